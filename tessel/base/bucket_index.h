@@ -1,0 +1,84 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace tessel {
+
+// A bucket index over a list sorted by a key: table[b] is the position of the first entry whose
+// bucket is at least b, up to the bucket of the last entry. From a key to the first candidate in
+// one step.
+
+/// The bucket of an entry that enters no index.
+inline constexpr std::int64_t kNoBucket = std::numeric_limits<std::int64_t>::min();
+/// A larger table is not built: one hostile mass must not cost the memory of the machine.
+inline constexpr std::size_t kMaxBuckets = 50'000'000;
+
+/// A number truncated toward zero, saturating; kNoBucket for one that is not finite.
+inline std::int64_t truncated(double number) {
+    constexpr double kLimit = 9.2e18;
+    if (!std::isfinite(number)) return kNoBucket;
+    if (number >= kLimit) return std::numeric_limits<std::int64_t>::max();
+    if (number <= -kLimit) return kNoBucket + 1;
+    return static_cast<std::int64_t>(number);
+}
+
+/// Mass lookups: thousandths of a dalton, truncated toward zero.
+inline std::int64_t milli_dalton(double mass) {
+    return truncated(mass * 1000.0);
+}
+
+/// Rebuilds `table` over `entries`; bucketOf(entry) is the entry's bucket. Entries that are out of
+/// order, with a bucket below one already reached, are left to the entry that reached it. False,
+/// and the table empty, when it would be larger than kMaxBuckets.
+template <class Index, class Entries, class BucketOf>
+bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
+    table.clear();
+    std::int64_t last = kNoBucket;
+    for (const auto& entry : entries) last = std::max<std::int64_t>(last, bucketOf(entry));
+    if (last == kNoBucket) return true;
+    if (last >= static_cast<std::int64_t>(kMaxBuckets)) return false;
+
+    table.reserve(static_cast<std::size_t>(std::max<std::int64_t>(last, 0)) + 1);
+    Index position = 0;
+    for (const auto& entry : entries) {
+        const std::int64_t bucket = bucketOf(entry);
+        if (bucket != kNoBucket) {
+            const auto length = static_cast<std::size_t>(std::max<std::int64_t>(bucket, 0)) + 1;
+            if (length > table.size()) table.resize(length, position);
+        }
+        ++position;
+    }
+    return true;
+}
+
+/// The same over a list sorted by mass, in milli-dalton buckets that begin at the lightest entry
+/// when that is at or below 0, otherwise at 0. massOf(entry) is the entry's mass, Da.
+template <class Index, class Entries, class MassOf>
+bool fill_mass_buckets(std::vector<Index>& table, const Entries& entries, MassOf massOf) {
+    const std::int64_t lightest = entries.empty() ? 0 : milli_dalton(massOf(entries.front()));
+    const std::int64_t offset = lightest == kNoBucket || lightest > 0 ? 0 : lightest;
+    return fill_buckets(table, entries, [&](const auto& entry) {
+        const std::int64_t key = milli_dalton(massOf(entry));
+        if (key == kNoBucket) return kNoBucket;
+        // Far apart masses would overflow the difference; they are beyond any table anyway.
+        return key > 0 && offset < key - std::numeric_limits<std::int64_t>::max()
+                   ? std::numeric_limits<std::int64_t>::max()
+                   : key - offset;
+    });
+}
+
+/// Ascending masses, those that are not finite behind all others and NaN last of all, so that
+/// sorting is defined whatever a file holds.
+inline bool mass_less(double a, double b) {
+    const auto rank = [](double mass) { return std::isfinite(mass) ? 0 : std::isnan(mass) ? 2 : 1; };
+    const int rankA = rank(a);
+    const int rankB = rank(b);
+    return rankA != rankB ? rankA < rankB : a < b;
+}
+
+}  // namespace tessel

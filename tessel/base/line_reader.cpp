@@ -1,0 +1,64 @@
+#include "tessel/base/line_reader.h"
+
+#include <cstring>
+
+namespace tessel {
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 17;  // more than a piece and its line end
+
+}  // namespace
+
+CLineReader::CLineReader(const std::string& path, std::size_t piece)
+    : m_pOwned(open_file(path, "rb")), m_pFile(m_pOwned.get()), m_tPiece(piece) {}
+
+CLineReader::CLineReader(std::FILE* file, std::size_t piece) : m_pFile(file), m_tPiece(piece) {}
+
+bool CLineReader::ReadLine(std::string_view& line) {
+    if (m_bAtStart) SkipByteOrderMark();
+    std::size_t searched = 0;
+    for (;;) {
+        const char* begin = m_vBuffer.data() + m_tBegin;
+        const std::size_t held = m_tEnd - m_tBegin;
+        const void* found =
+            held > searched ? std::memchr(begin + searched, '\n', held - searched) : nullptr;
+        std::size_t length =
+            found ? static_cast<std::size_t>(static_cast<const char*>(found) - begin) : held;
+        std::size_t taken = found ? length + 1 : length;
+        const bool complete = found != nullptr;
+        if (!complete) {
+            searched = held;
+            // Two more bytes tell whether the piece is followed by its line end alone.
+            const bool pieceHeld = m_tPiece != kAnyLength && held >= m_tPiece + 2;
+            if (!pieceHeld && Refill()) continue;
+            if (held == 0) return false;
+        }
+        if (length > 0 && begin[length - 1] == '\r') --length;
+        if (length >= m_tPiece) length = taken = m_tPiece;
+        line = std::string_view(begin, length);
+        m_tBegin += taken;
+        return true;
+    }
+}
+
+// Moves what is held to the front of the buffer, enlarges a full one, and reads on. False at the
+// end of the file.
+bool CLineReader::Refill() {
+    if (m_pFile == nullptr) return false;
+    const std::size_t held = m_tEnd - m_tBegin;
+    if (m_tBegin > 0) std::memmove(m_vBuffer.data(), m_vBuffer.data() + m_tBegin, held);
+    if (m_vBuffer.empty()) m_vBuffer.resize(kBufferSize);
+    if (held == m_vBuffer.size()) m_vBuffer.resize(2 * held);
+    m_tBegin = 0;
+    m_tEnd = held + std::fread(m_vBuffer.data() + held, 1, m_vBuffer.size() - held, m_pFile);
+    return m_tEnd > held;
+}
+
+void CLineReader::SkipByteOrderMark() {
+    m_bAtStart = false;
+    while (m_tEnd < 3 && Refill()) {
+    }
+    if (m_tEnd >= 3 && std::memcmp(m_vBuffer.data(), "\xEF\xBB\xBF", 3) == 0) m_tBegin = 3;
+}
+
+}  // namespace tessel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tessel/platform/file.h"
+
+namespace tessel {
+
+inline constexpr std::size_t kAnyLength = std::numeric_limits<std::size_t>::max();
+/// The piece that a line buffer of 81920 bytes holds beside its terminator.
+inline constexpr std::size_t kLinePiece = 81919;
+
+/// Reads a text file line by line. A line ends at a line feed or at the end of the file; one
+/// carriage return at its end is dropped, and a UTF-8 byte-order mark at the start of the file is
+/// skipped. With a piece length, a longer line comes in pieces, each a line of its own.
+class CLineReader {
+public:
+    /// Opens and owns the file; IsOpen() tells whether that worked.
+    explicit CLineReader(const std::string& path, std::size_t piece = kAnyLength);
+    /// Reads an open file from its current position, which must be its start, and does not own it.
+    explicit CLineReader(std::FILE* file, std::size_t piece = kAnyLength);
+
+    bool IsOpen() const { return m_pFile != nullptr; }
+    /// False at the end of the file. The line is valid until the next call.
+    bool ReadLine(std::string_view& line);
+    /// Reading stopped at an error of the file, not at its end.
+    bool Failed() const { return m_pFile != nullptr && std::ferror(m_pFile) != 0; }
+
+private:
+    bool Refill();
+    void SkipByteOrderMark();
+
+    FilePtr m_pOwned;
+    std::FILE* m_pFile;
+    std::size_t m_tPiece;
+    std::vector<char> m_vBuffer;
+    std::size_t m_tBegin = 0;  // what is read and not yet handed out: [m_tBegin, m_tEnd)
+    std::size_t m_tEnd = 0;
+    bool m_bAtStart = true;
+};
+
+}  // namespace tessel

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "tessel/base/text.h"
+
+namespace tessel {
+
+// Numbers as texts, read and written alike under every locale: "." is the decimal point and there
+// is no digit grouping.
+//
+// Reading takes what atoi, atof and "%lf" take: leading blanks, a sign, the longest numeric prefix;
+// what follows is left. It is defined everywhere: integers saturate, doubles overflow to infinity
+// and underflow as strtod does, hexadecimal reads as its decimal prefix, "inf" and "nan" are read.
+
+/// Reads a double from the front of [first, last). Returns the end of the number, or null when
+/// there is none; `value` is then unchanged.
+const char* read_double(const char* first, const char* last, double& value);
+
+/// Reads an integer likewise. A negative number is unreadable for an unsigned type.
+template <class Integer>
+const char* read_integer(const char* first, const char* last, Integer& value) {
+    while (first != last && is_blank(*first)) ++first;
+    const bool negative = first != last && *first == '-';
+    if (negative || (first != last && *first == '+')) ++first;
+    if (first == last || !is_digit(*first)) return nullptr;
+
+    std::uint64_t magnitude = 0;
+    const auto read = std::from_chars(first, last, magnitude);
+    if (read.ec == std::errc::result_out_of_range) {
+        magnitude = std::numeric_limits<std::uint64_t>::max();
+    }
+    constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<Integer>::max());
+    if (!negative) {
+        value = static_cast<Integer>(magnitude < kMax ? magnitude : kMax);
+    } else if constexpr (std::is_signed_v<Integer>) {
+        value = magnitude > kMax ? std::numeric_limits<Integer>::min()
+                                 : static_cast<Integer>(-static_cast<std::int64_t>(magnitude));
+    } else {
+        if (magnitude != 0) return nullptr;
+        value = 0;
+    }
+    return read.ptr;
+}
+
+/// As atoi: 0 for a text that is no number.
+inline int to_int(std::string_view text) {
+    int value = 0;
+    read_integer(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+/// As atof: 0 for a text that is no number.
+inline double to_double(std::string_view text) {
+    double value = 0.0;
+    read_double(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+template <class Integer>
+void append_integer(std::string& text, Integer value) {
+    char digits[24];
+    text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+/// As "%.Nlf", for at most 20 decimals.
+void append_fixed(std::string& text, double value, int decimals);
+/// As "%.6g".
+void append_general(std::string& text, double value);
+
+/// A double as a message shows it, "%.Nlf".
+inline std::string fixed_text(double value, int decimals) {
+    std::string text;
+    append_fixed(text, value, decimals);
+    return text;
+}
+
+}  // namespace tessel

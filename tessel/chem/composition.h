@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string_view>
+
+namespace tessel {
+
+/// Visits the groups of an elemental composition, such as "C(2)H(-3)", in order:
+/// visit(symbol, count text). A piece without a symbol, without "(" or without a count is skipped.
+/// Text behind the last ")" is a piece of its own.
+template <class Visit>
+void visit_composition(std::string_view composition, Visit visit) {
+    while (!composition.empty()) {
+        const std::size_t close = composition.find(')');
+        const std::string_view piece = composition.substr(0, close);
+        const std::size_t open = piece.find('(');
+        if (open != std::string_view::npos && open > 0) {
+            // A second "(" ends the count; the fields between are never empty.
+            const std::size_t countBegin = piece.find_first_not_of('(', open);
+            if (countBegin != std::string_view::npos) {
+                const std::size_t countEnd = piece.find('(', countBegin);
+                visit(piece.substr(0, open), piece.substr(countBegin, countEnd - countBegin));
+            }
+        }
+        if (close == std::string_view::npos) return;
+        composition.remove_prefix(close + 1);
+    }
+}
+
+}  // namespace tessel

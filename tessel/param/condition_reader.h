@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+
+#include "tessel/condition/condition.h"
+#include "tessel/export.h"
+
+namespace tessel {
+
+/// Fills a condition from a parameter file. Counts out of range are replaced and reported; what the
+/// search cannot do without (a path that does not exist) ends the process with status 1.
+class TESSEL_API CConditionReader {
+public:
+    /// Ends the process with status 1 after "Invalid_Path: [path]" when the file does not exist.
+    explicit CConditionReader(const std::string& path);
+    virtual ~CConditionReader() = default;
+
+    /// Reads every section. Messages are shown by the level LOG_INFO whatever the file sets, because
+    /// the level is read last.
+    void Read();
+
+    /// Ends the process with status 1 after "Invalid_<key>_Path: [path]" unless the path is the name
+    /// of any existing file or folder.
+    static void Validation_Path(const CCondition& condition, const std::string& path,
+                                const std::string& key);
+
+    /// Tolerances that are almost certainly a mistake, in any unit: below 1e-5 or above 10000.
+    static bool _strange_precursor_tolerance(const CCondition& condition);
+    static bool _strange_fragment_tolerance(const CCondition& condition);
+
+    std::string m_strPath;    ///< the parameter file
+    CCondition m_cCondition;  ///< filled by Read(); used in place, because it cannot be copied
+
+private:
+    void _LoadParam();
+    void _LoadData();
+    void _LoadEngine();
+    void _LoadFilter();
+    void _LoadQuant();
+    void _LoadSystem();
+};
+
+}  // namespace tessel

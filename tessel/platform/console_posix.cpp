@@ -1,0 +1,24 @@
+#include <unistd.h>
+
+#include <iostream>
+
+#include "tessel/platform/console.h"
+
+namespace tessel {
+
+void set_console_colour(CONSOLE_COLOUR colour) {
+    if (isatty(STDOUT_FILENO) == 0) return;
+    switch (colour) {
+        case CONSOLE_COLOUR::GREEN:
+            std::cout << "\033[1;32m" << std::flush;
+            break;
+        case CONSOLE_COLOUR::RED:
+            std::cout << "\033[1;31m" << std::flush;
+            break;
+        case CONSOLE_COLOUR::NORMAL:
+            std::cout << "\033[0m" << std::flush;
+            break;
+    }
+}
+
+}  // namespace tessel

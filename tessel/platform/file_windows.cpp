@@ -1,0 +1,173 @@
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <io.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "tessel/platform/file.h"
+#include "tessel/platform/wide_path.h"
+
+namespace tessel {
+namespace {
+
+constexpr std::size_t kPlainPathLimit = 240;  // MAX_PATH less room for a file name's ending
+
+std::wstring widened(const std::string& text, UINT codePage, DWORD flags) {
+    const int size = static_cast<int>(text.size());
+    const int length = MultiByteToWideChar(codePage, flags, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(std::max(length, 0)), L'\0');
+    MultiByteToWideChar(codePage, flags, text.data(), size, wide.data(), length);
+    return wide;
+}
+
+std::wstring full_path(const std::wstring& path) {
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(
+        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
+std::wstring with_long_prefix(const std::wstring& path) {
+    const std::wstring full = full_path(path);
+    if (full.empty()) return path;
+    if (full.rfind(L"\\\\?\\", 0) == 0) return full;
+    if (full.rfind(L"\\\\", 0) == 0) return L"\\\\?\\UNC" + full.substr(1);
+    return L"\\\\?\\" + full;
+}
+
+// A folder text may end in a separator; the status calls refuse that, except for a root.
+std::string without_last_separator(std::string path) {
+    while (path.size() > 1 && path.back() == '\\' && path[path.size() - 2] != ':') path.pop_back();
+    return path;
+}
+
+std::int64_t unix_seconds(const FILETIME& time) {
+    constexpr std::int64_t kTicksPerSecond = 10'000'000;
+    constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+    const std::int64_t ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) |
+                               static_cast<std::int64_t>(time.dwLowDateTime);
+    return ticks / kTicksPerSecond - kSecondsFrom1601To1970;
+}
+
+std::optional<BY_HANDLE_FILE_INFORMATION> file_identity(const std::string& path) {
+    const HANDLE file = CreateFileW(
+        wide_path(without_last_separator(host_path(path))).c_str(), 0,
+        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    BY_HANDLE_FILE_INFORMATION identity;
+    const bool known = GetFileInformationByHandle(file, &identity) != 0;
+    CloseHandle(file);
+    if (!known) return std::nullopt;
+    return identity;
+}
+
+}  // namespace
+
+std::wstring wide_text(const std::string& text) {
+    std::wstring wide = widened(text, CP_UTF8, MB_ERR_INVALID_CHARS);
+    return wide.empty() ? widened(text, CP_ACP, 0) : wide;
+}
+
+std::wstring wide_path(const std::string& path) {
+    const std::wstring wide = wide_text(path);
+    return wide.size() < kPlainPathLimit ? wide : with_long_prefix(wide);
+}
+
+std::string narrow_text(const std::wstring& wide) {
+    const int size = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+    return text;
+}
+
+std::string host_path(std::string_view path) {
+    std::string host(path);
+    std::replace(host.begin(), host.end(), '/', '\\');
+    return host;
+}
+
+bool path_exists(const std::string& path) {
+    return file_status(path).has_value();
+}
+
+std::optional<FILE_STATUS> file_status(const std::string& path) {
+    if (path.empty()) return std::nullopt;
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    const std::wstring wide = wide_path(without_last_separator(host_path(path)));
+    if (GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &data) == 0) return std::nullopt;
+    FILE_STATUS status;
+    status.m_bFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    status.m_uSize = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+    status.m_nTime = unix_seconds(data.ftLastWriteTime);
+    return status;
+}
+
+bool same_file(const std::string& a, const std::string& b) {
+    const auto identityA = file_identity(a);
+    const auto identityB = file_identity(b);
+    return identityA && identityB &&
+           identityA->dwVolumeSerialNumber == identityB->dwVolumeSerialNumber &&
+           identityA->nFileIndexHigh == identityB->nFileIndexHigh &&
+           identityA->nFileIndexLow == identityB->nFileIndexLow;
+}
+
+FilePtr open_file(const std::string& path, const char* mode) {
+    const std::wstring wideMode(mode, mode + std::char_traits<char>::length(mode));
+    return FilePtr(_wfopen(wide_path(host_path(path)).c_str(), wideMode.c_str()));
+}
+
+bool open_stream(std::ifstream& stream, const std::string& path) {
+    stream.clear();
+    stream.open(wide_path(host_path(path)).c_str(), std::ios::in | std::ios::binary);
+    return stream.is_open();
+}
+
+bool close_file(FilePtr file) {
+    std::FILE* stream = file.release();
+    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    return std::fclose(stream) == 0 && written;
+}
+
+std::uint64_t bytes_left(std::FILE* file) {
+    const long long position = _ftelli64(file);
+    const long long size = _filelengthi64(_fileno(file));
+    return position < 0 || size < position ? 0 : static_cast<std::uint64_t>(size - position);
+}
+
+bool remove_file(const std::string& path) {
+    return DeleteFileW(wide_path(host_path(path)).c_str()) != 0;
+}
+
+bool rename_file(const std::string& from, const std::string& to) {
+    return MoveFileExW(wide_path(host_path(from)).c_str(), wide_path(host_path(to)).c_str(),
+                       MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+std::optional<std::vector<std::string>> folder_entries(const std::string& path) {
+    WIN32_FIND_DATAW data;
+    const std::string pattern = without_last_separator(host_path(path)) + "\\*";
+    const HANDLE search = FindFirstFileW(wide_path(pattern).c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE) return std::nullopt;
+    std::vector<std::string> names;
+    do {
+        std::string name = narrow_text(data.cFileName);
+        if (name != "." && name != "..") names.push_back(std::move(name));
+    } while (FindNextFileW(search, &data) != 0);
+    FindClose(search);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string working_folder() {
+    std::wstring folder(GetCurrentDirectoryW(0, nullptr), L'\0');
+    folder.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
+    while (!folder.empty() && folder.back() == L'\\') folder.pop_back();
+    return narrow_text(folder);
+}
+
+}  // namespace tessel

@@ -1,0 +1,168 @@
+// Candidate peptides: copying, hashing and the orders by which they are ranked.
+
+#include "tessel/result/pep_res.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "tessel/space/godel_code.h"
+
+namespace tessel {
+namespace {
+
+MOD_SITE* copied_sites(const CPepRes& other) {
+    if (other.m_pMods == nullptr) return nullptr;
+    MOD_SITE* sites = new MOD_SITE[other.m_ucModNum];
+    std::copy_n(other.m_pMods, other.m_ucModNum, sites);
+    return sites;
+}
+
+// Negative when a goes before b, positive when b does, 0 when the scores tie. A NaN goes last.
+int by_smaller(double a, double b) {
+    if (a < b) return -1;
+    if (a > b) return 1;
+    return static_cast<int>(std::isnan(a)) - static_cast<int>(std::isnan(b));
+}
+
+int by_larger(double a, double b) {
+    if (a > b) return -1;
+    if (a < b) return 1;
+    return static_cast<int>(std::isnan(a)) - static_cast<int>(std::isnan(b));
+}
+
+// Targets first, then sequences in ascending byte order.
+bool tie_break(const CPepRes& a, const CPepRes& b) {
+    if (a.m_bDecoy != b.m_bDecoy) return a.m_bDecoy < b.m_bDecoy;
+    return a.m_strSeq < b.m_strSeq;
+}
+
+}  // namespace
+
+CPepRes::CPepRes(const CPepRes& other)
+    : m_lfScore(other.m_lfScore),
+      m_lfSubScores(other.m_lfSubScores),
+      m_lfFinalScore(other.m_lfFinalScore),
+      m_lfQValue(other.m_lfQValue),
+      m_lfPepMass(other.m_lfPepMass),
+      m_lfMassDev(other.m_lfMassDev),
+      m_strSeq(other.m_strSeq),
+      m_pMods(nullptr),
+      m_ucModNum(other.m_ucModNum),
+      m_ucAux0(other.m_ucAux0),
+      m_ucAuxMax(other.m_ucAuxMax),
+      m_bDecoy(other.m_bDecoy),
+      m_ucAux1(other.m_ucAux1),
+      m_setProteins(other.m_setProteins),
+      m_vstrExtra(other.m_vstrExtra),
+      m_ucAux2(other.m_ucAux2),
+      m_nAuxA(other.m_nAuxA),
+      m_nAuxB(other.m_nAuxB) {
+    m_pMods = copied_sites(other);  // last: nothing behind it can throw and leak it
+}
+
+CPepRes::CPepRes(CPepRes&& other) noexcept
+    : m_lfScore(other.m_lfScore),
+      m_lfSubScores(other.m_lfSubScores),
+      m_lfFinalScore(other.m_lfFinalScore),
+      m_lfQValue(other.m_lfQValue),
+      m_lfPepMass(other.m_lfPepMass),
+      m_lfMassDev(other.m_lfMassDev),
+      m_strSeq(std::move(other.m_strSeq)),
+      m_pMods(std::exchange(other.m_pMods, nullptr)),
+      m_ucModNum(other.m_ucModNum),
+      m_ucAux0(other.m_ucAux0),
+      m_ucAuxMax(other.m_ucAuxMax),
+      m_bDecoy(other.m_bDecoy),
+      m_ucAux1(other.m_ucAux1),
+      m_setProteins(std::move(other.m_setProteins)),
+      m_vstrExtra(std::move(other.m_vstrExtra)),
+      m_ucAux2(other.m_ucAux2),
+      m_nAuxA(other.m_nAuxA),
+      m_nAuxB(other.m_nAuxB) {}
+
+CPepRes& CPepRes::operator=(const CPepRes& other) {
+    if (this != &other) *this = CPepRes(other);
+    return *this;
+}
+
+CPepRes& CPepRes::operator=(CPepRes&& other) noexcept {
+    if (this == &other) return *this;
+    m_lfScore = other.m_lfScore;
+    m_lfSubScores = other.m_lfSubScores;
+    m_lfFinalScore = other.m_lfFinalScore;
+    m_lfQValue = other.m_lfQValue;
+    m_lfPepMass = other.m_lfPepMass;
+    m_lfMassDev = other.m_lfMassDev;
+    m_strSeq = std::move(other.m_strSeq);
+    std::swap(m_pMods, other.m_pMods);  // the other's destructor frees ours
+    m_ucModNum = other.m_ucModNum;
+    m_ucAux0 = other.m_ucAux0;
+    m_ucAuxMax = other.m_ucAuxMax;
+    m_bDecoy = other.m_bDecoy;
+    m_ucAux1 = other.m_ucAux1;
+    m_setProteins = std::move(other.m_setProteins);
+    m_vstrExtra = std::move(other.m_vstrExtra);
+    m_ucAux2 = other.m_ucAux2;
+    m_nAuxA = other.m_nAuxA;
+    m_nAuxB = other.m_nAuxB;
+    return *this;
+}
+
+CPepRes::~CPepRes() {
+    delete[] m_pMods;
+}
+
+int CPepRes::Assign(const CPepRes& other) {
+    *this = other;
+    return 1;
+}
+
+int CPepRes::Clean() {
+    delete[] m_pMods;
+    m_pMods = nullptr;
+    return 1;
+}
+
+double CPepRes::GetHash(const GodelCode& code) const {
+    std::string bytes = m_strSeq;
+    for (std::size_t i = 0; m_pMods != nullptr && i < m_ucModNum; ++i) {
+        char address[sizeof(const CMod*)];
+        std::memcpy(address, &m_pMods[i].m_pMod, sizeof address);
+        bytes += static_cast<char>(m_pMods[i].m_ucPos);
+        bytes.append(address, sizeof address);
+    }
+    return code.GetGodel(bytes.data(), bytes.size());
+}
+
+bool CPepRes::ScoreGreater(const CPepRes& a, const CPepRes& b) {
+    const int order = by_larger(a.m_lfScore, b.m_lfScore);
+    return order != 0 ? order < 0 : tie_break(a, b);
+}
+
+bool CPepRes::ScoreLess(const CPepRes& a, const CPepRes& b) {
+    return ScoreGreater(b, a);
+}
+
+bool CPepRes::FinalScoreGreater(const CPepRes& a, const CPepRes& b) {
+    const int order = by_smaller(a.m_lfFinalScore, b.m_lfFinalScore);
+    return order != 0 ? order < 0 : ScoreGreater(a, b);
+}
+
+bool CPepRes::ConfidentByQV(const CPepRes& a, const CPepRes& b) {
+    const int order = by_smaller(a.m_lfQValue, b.m_lfQValue);
+    return order != 0 ? order < 0 : FinalScoreGreater(a, b);
+}
+
+bool CPepRes::Score_Less_Ext(const CPepRes& a, const CPepRes& b) {
+    if (a.m_lfScore == b.m_lfScore) return a.m_ucModNum != 0;
+    return a.m_lfScore < b.m_lfScore;
+}
+
+bool CPepRes::Score_Greater_Ext(const CPepRes& a, const CPepRes& b) {
+    if (a.m_lfScore == b.m_lfScore) return b.m_ucModNum != 0;
+    return a.m_lfScore > b.m_lfScore;
+}
+
+}  // namespace tessel

@@ -1,0 +1,26 @@
+#pragma once
+
+/// Everything that users of the library may touch.
+
+#include "tessel/chem/alphabet.h"
+#include "tessel/chem/mod.h"
+#include "tessel/condition/condition.h"
+#include "tessel/condition/constants.h"
+#include "tessel/condition/log_type.h"
+#include "tessel/condition/utilities.h"
+#include "tessel/database/fasta_loader.h"
+#include "tessel/database/fasta_parser.h"
+#include "tessel/database/protein.h"
+#include "tessel/param/condition_reader.h"
+#include "tessel/param/option_tool.h"
+#include "tessel/result/pep_res.h"
+#include "tessel/result/pro_info.h"
+#include "tessel/result/psm_res.h"
+#include "tessel/result/score_to_pep.h"
+#include "tessel/space/enzyme.h"
+#include "tessel/space/godel_code.h"
+#include "tessel/space/ion_type.h"
+#include "tessel/space/mod_comb.h"
+#include "tessel/spectra/input.h"
+#include "tessel/spectra/mgf_input.h"
+#include "tessel/spectra/spectrum.h"

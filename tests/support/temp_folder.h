@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+namespace tessel::test {
+
+std::string read_file(const std::string& path);
+void write_file(const std::string& path, const std::string& bytes);
+
+/// Moves a file's modification time by some seconds from now.
+void set_file_age(const std::string& path, int secondsAgo);
+
+/// A fresh folder of the test's own, removed with everything in it at the end.
+class CTempFolder {
+public:
+    CTempFolder();
+    ~CTempFolder();
+    CTempFolder(const CTempFolder&) = delete;
+    CTempFolder& operator=(const CTempFolder&) = delete;
+
+    /// The folder, without a last separator.
+    const std::string& Path() const { return m_strPath; }
+    std::string Path(const std::string& name) const { return m_strPath + '/' + name; }
+    /// Writes a file and returns its path.
+    std::string Write(const std::string& name, const std::string& bytes) const;
+    std::string Read(const std::string& name) const { return read_file(Path(name)); }
+    bool Has(const std::string& name) const;
+
+private:
+    std::string m_strPath;
+};
+
+/// Makes a folder the working folder until the end of the scope.
+class CWorkingFolder {
+public:
+    explicit CWorkingFolder(const std::string& path);
+    ~CWorkingFolder();
+    CWorkingFolder(const CWorkingFolder&) = delete;
+    CWorkingFolder& operator=(const CWorkingFolder&) = delete;
+
+private:
+    std::string m_strBefore;
+};
+
+}  // namespace tessel::test
