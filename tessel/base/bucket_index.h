@@ -39,7 +39,8 @@ template <class Index, class Entries, class BucketOf>
 bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
     table.clear();
     std::int64_t last = kNoBucket;
-    for (const auto& entry : entries) last = std::max<std::int64_t>(last, bucketOf(entry));
+    for (const auto& entry : entries)
+        last = std::max<std::int64_t>(last, bucketOf(entry));
     if (last == kNoBucket) return true;
     if (last >= static_cast<std::int64_t>(kMaxBuckets)) return false;
 
@@ -75,7 +76,9 @@ bool fill_mass_buckets(std::vector<Index>& table, const Entries& entries, MassOf
 /// Ascending masses, those that are not finite behind all others and NaN last of all, so that
 /// sorting is defined whatever a file holds.
 inline bool mass_less(double a, double b) {
-    const auto rank = [](double mass) { return std::isfinite(mass) ? 0 : std::isnan(mass) ? 2 : 1; };
+    const auto rank = [](double mass) {
+        return std::isfinite(mass) ? 0 : std::isnan(mass) ? 2 : 1;
+    };
     const int rankA = rank(a);
     const int rankB = rank(b);
     return rankA != rankB ? rankA < rankB : a < b;

@@ -10,9 +10,11 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 17;  // more than a piece 
 }  // namespace
 
 CLineReader::CLineReader(const std::string& path, std::size_t piece)
-    : m_pOwned(open_file(path, "rb")), m_pFile(m_pOwned.get()), m_tPiece(piece) {}
+    : m_pOwned(open_file(path, "rb")), m_pFile(m_pOwned.get()), m_tPiece(piece) {
+}
 
-CLineReader::CLineReader(std::FILE* file, std::size_t piece) : m_pFile(file), m_tPiece(piece) {}
+CLineReader::CLineReader(std::FILE* file, std::size_t piece) : m_pFile(file), m_tPiece(piece) {
+}
 
 bool CLineReader::ReadLine(std::string_view& line) {
     if (m_bAtStart) SkipByteOrderMark();

@@ -32,7 +32,8 @@ std::int64_t magnitude_of(const char* first, const char* last) {
 }  // namespace
 
 const char* read_double(const char* first, const char* last, double& value) {
-    while (first != last && is_blank(*first)) ++first;
+    while (first != last && is_blank(*first))
+        ++first;
     const bool negative = first != last && *first == '-';
     if (negative || (first != last && *first == '+')) ++first;
     if (first == last || *first == '-') return nullptr;  // from_chars would take a sign of its own

@@ -25,7 +25,8 @@ const char* read_double(const char* first, const char* last, double& value);
 /// Reads an integer likewise. A negative number is unreadable for an unsigned type.
 template <class Integer>
 const char* read_integer(const char* first, const char* last, Integer& value) {
-    while (first != last && is_blank(*first)) ++first;
+    while (first != last && is_blank(*first))
+        ++first;
     const bool negative = first != last && *first == '-';
     if (negative || (first != last && *first == '+')) ++first;
     if (first == last || !is_digit(*first)) return nullptr;

@@ -29,7 +29,8 @@ inline char lower(char c) {
 
 /// Without the characters behind the last printable one; the first `kept` characters stay.
 inline std::string_view without_unprintable_tail(std::string_view text, std::size_t kept = 0) {
-    while (text.size() > kept && !is_printable(text.back())) text.remove_suffix(1);
+    while (text.size() > kept && !is_printable(text.back()))
+        text.remove_suffix(1);
     return text;
 }
 

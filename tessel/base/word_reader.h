@@ -17,7 +17,8 @@ public:
     bool Word(std::string_view& word) {
         if (!NextField()) return false;
         std::size_t length = 0;
-        while (length < m_strRest.size() && !is_blank(m_strRest[length])) ++length;
+        while (length < m_strRest.size() && !is_blank(m_strRest[length]))
+            ++length;
         word = m_strRest.substr(0, length);
         m_strRest.remove_prefix(length);
         return true;

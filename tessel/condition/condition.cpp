@@ -73,7 +73,8 @@ double CCondition::_CalcMaxDeviation(const double& mass, bool precursor) const {
 
 std::uint32_t CCondition::_GetBitsNum(std::uint32_t value) const {
     std::uint32_t bits = 0;
-    for (; value != 0; value &= value - 1) ++bits;
+    for (; value != 0; value &= value - 1)
+        ++bits;
     return bits;
 }
 

@@ -26,24 +26,24 @@ namespace tessel {
 
 /// The search condition: every setting and every table of one search.
 ///
-/// A caller fills the settings (CConditionReader does it from a parameter file), calls Initialize(),
-/// reads spectra and proteins in batches, and after the search loads, cleans and writes the results.
-/// Everything is held by value; the selections, the indexes and the loader point into the object
-/// itself, so it is neither copied nor moved: pass it by reference. It keeps no locks; one thread
-/// at a time may use an object.
+/// A caller fills the settings (CConditionReader does it from a parameter file), calls
+/// Initialize(), reads spectra and proteins in batches, and after the search loads, cleans and
+/// writes the results. Everything is held by value; the selections, the indexes and the loader
+/// point into the object itself, so it is neither copied nor moved: pass it by reference. It keeps
+/// no locks; one thread at a time may use an object.
 ///
 /// The values below are those of a fresh object. A parameter file that leaves a key out may set
-/// another one, on purpose: "temppepnum" 50, "maxprolen" 1000000, "max_clv_sites" 2, "rest_tag_len" 4,
-/// "rest_mod_num" 10, "outputname" "test", "quant" "1|None" and "msmstype" "MGF" among them.
+/// another one, on purpose: "temppepnum" 50, "maxprolen" 1000000, "max_clv_sites" 2, "rest_tag_len"
+/// 4, "rest_mod_num" 10, "outputname" "test", "quant" "1|None" and "msmstype" "MGF" among them.
 class TESSEL_API CCondition {
 public:
-    double m_lfPrecursorTol = 20.0;   ///< precursor tolerance, ppm or Da by m_bPrecursorPPM; "mstol"
-    double m_lfFragmentTol = 20.0;    ///< fragment tolerance, ppm or Da by m_bFragmentPPM; "msmstol"
-    bool m_bPrecursorPPM = true;      ///< precursor tolerance is in ppm, not Da; "mstolppm"
-    bool m_bFragmentPPM = true;       ///< fragment tolerance is in ppm, not Da; "msmstolppm"
-    std::size_t m_tMaxModNum = 3;     ///< variable modifications on a peptide, 0 to 20; "maxmod"
-    CEnzyme m_cEnzyme;                ///< the protease, "Trypsin KR _ C" when fresh; "enzyme"
-    std::string m_strFastaPath;       ///< the user's database; SetSubFasta() replaces it; "fastapath"
+    double m_lfPrecursorTol = 20.0;  ///< precursor tolerance, ppm or Da by m_bPrecursorPPM; "mstol"
+    double m_lfFragmentTol = 20.0;   ///< fragment tolerance, ppm or Da by m_bFragmentPPM; "msmstol"
+    bool m_bPrecursorPPM = true;     ///< precursor tolerance is in ppm, not Da; "mstolppm"
+    bool m_bFragmentPPM = true;      ///< fragment tolerance is in ppm, not Da; "msmstolppm"
+    std::size_t m_tMaxModNum = 3;    ///< variable modifications on a peptide, 0 to 20; "maxmod"
+    CEnzyme m_cEnzyme;               ///< the protease, "Trypsin KR _ C" when fresh; "enzyme"
+    std::string m_strFastaPath;  ///< the user's database; SetSubFasta() replaces it; "fastapath"
     std::string m_strInputFastaPath;  ///< the database searched; see SetFastaPath()
     bool m_bMSMSFolder = false;       ///< the data list names folders, not files; "msmsfolder"
     std::string m_strMSMSPath;        ///< spectrum file that LoadSpectra() reads; "msmspath"
@@ -54,18 +54,18 @@ public:
     std::string m_strAAPath;                ///< amino-acid table; "aapath"
     std::string m_strAux;                   ///< for the engine
     int m_nAux = 0;                         ///< for the engine
-    std::size_t m_tTempPepNum = 100;        ///< candidates kept per spectrum while searching; "temppepnum"
+    std::size_t m_tTempPepNum = 100;        ///< candidates kept while searching; "temppepnum"
     std::size_t m_tPepNum = 10;             ///< ranks reported per spectrum; "pepnum"
-    std::size_t m_tSelectPeak = 200;        ///< peaks of a spectrum to use, at most 5000; "selectpeak"
-    std::size_t m_tMaxProLen = 60000000;    ///< residues of a protein batch; "maxprolen"
-    std::vector<CSpectrum> m_vSpectra;      ///< the current batch of spectra
-    std::vector<CMod> m_vMods;              ///< the modification table
-    std::vector<const CMod*> m_vSelMods;    ///< the selected ones, fixed first, each once
-    std::set<const CMod*> m_setFixMods;     ///< the fixed ones among them
+    std::size_t m_tSelectPeak = 200;  ///< peaks of a spectrum to use, at most 5000; "selectpeak"
+    std::size_t m_tMaxProLen = 60000000;  ///< residues of a protein batch; "maxprolen"
+    std::vector<CSpectrum> m_vSpectra;    ///< the current batch of spectra
+    std::vector<CMod> m_vMods;            ///< the modification table
+    std::vector<const CMod*> m_vSelMods;  ///< the selected ones, fixed first, each once
+    std::set<const CMod*> m_setFixMods;   ///< the fixed ones among them
     /// The selected ones by slot: 1 to 4 the terminal ones by MOD_TYPE, 'A' to 'Z' the others by
     /// site letter.
     std::array<std::vector<const CMod*>, 92> m_vSelModMap;
-    std::vector<std::vector<CModCombInfo>> m_vModComb;       ///< combinations by extra modifications
+    std::vector<std::vector<CModCombInfo>> m_vModComb;  ///< combinations by extra modifications
     std::vector<std::vector<std::uint32_t>> m_vModCombHash;  ///< mass lookup over each group
     std::vector<std::uint32_t> m_vModMassIndex;              ///< mass lookup over m_vMods
     std::vector<CIonType> m_vIonTypes;                       ///< fragment ion series
@@ -85,19 +85,19 @@ public:
     std::size_t m_tBatchNo = 0;                  ///< batches since the file was opened
     std::size_t m_tAux = 5;                      ///< for the engine
     std::array<double, 4> m_lfCleaveProb{1.0, 1.0, 1.0, 1.0};  ///< learned cleavage coefficients
-    bool m_bUseSubFasta = false;                ///< a sub-database is searched
-    unsigned char m_ucDigest = 3;               ///< 0 unspecific, 1 semi-specific, 3 specific; "digest"
-    std::string m_strMSMSType = "ZB2";          ///< "MGF", "ZBS", anything else is ZB2; "msmstype"
-    LOG_TYPE m_eLogType = LOG_INFO;             ///< highest level of message shown; "log"
-    bool m_bRestTagIteration = false;           ///< for the engine; "rest_tag_iteration"
-    bool m_bSalvoIteration = true;              ///< for the engine; "salvo_iteration"
-    int m_nOpenTagLen = 5;                      ///< tag length of the open search; "open_tag_len"
-    int m_nRestTagLen = 5;                      ///< tag length of the rest search; "rest_tag_len"
-    int m_nRestModNum = -1;                     ///< for the engine; "rest_mod_num"
-    int m_nSalvoModNum = 5;                     ///< for the engine; "salvo_mod_num"
-    std::string m_strQuant = "1|None|";         ///< a count and label names, "|" between; "quant"
-    std::string m_strLabelName;                 ///< label of a worker's tables; "label_name"
-    std::vector<std::string> m_vLabels;         ///< label names of m_strQuant
+    bool m_bUseSubFasta = false;                               ///< a sub-database is searched
+    unsigned char m_ucDigest = 3;        ///< 0 unspecific, 1 semi-specific, 3 specific; "digest"
+    std::string m_strMSMSType = "ZB2";   ///< "MGF", "ZBS", anything else is ZB2; "msmstype"
+    LOG_TYPE m_eLogType = LOG_INFO;      ///< highest level of message shown; "log"
+    bool m_bRestTagIteration = false;    ///< for the engine; "rest_tag_iteration"
+    bool m_bSalvoIteration = true;       ///< for the engine; "salvo_iteration"
+    int m_nOpenTagLen = 5;               ///< tag length of the open search; "open_tag_len"
+    int m_nRestTagLen = 5;               ///< tag length of the rest search; "rest_tag_len"
+    int m_nRestModNum = -1;              ///< for the engine; "rest_mod_num"
+    int m_nSalvoModNum = 5;              ///< for the engine; "salvo_mod_num"
+    std::string m_strQuant = "1|None|";  ///< a count and label names, "|" between; "quant"
+    std::string m_strLabelName;          ///< label of a worker's tables; "label_name"
+    std::vector<std::string> m_vLabels;  ///< label names of m_strQuant
     std::map<std::string, double> m_mapElementMass;  ///< element symbol to mass, Da
     /// The label last read: residue letter to (element symbol to its replacement).
     std::map<char, std::map<std::string, std::string>> m_mapAALabel;
@@ -114,20 +114,20 @@ public:
     int m_nPepPerPro = 1;                 ///< peptides that make a protein; "pep_per_pro"
     double m_lfBatchMassLower = 600.0;    ///< lightest peptide the batch needs, MH+ in Da
     double m_lfBatchMassUpper = 10000.0;  ///< heaviest peptide the batch needs, MH+ in Da
-    double m_lfMaxDelta = 500.0;          ///< mass shifts reach this far from the centre, Da; "maxdelta"
-    double m_lfCenter = 0.0;              ///< centre of the mass shifts, Da; "center"
-    int m_nOpen = 1;                      ///< open search; "open"
-    bool m_bIeqL = true;                  ///< I and L count as one residue; "IeqL"
-    std::vector<ExtendedAA> m_vExtendedAA;       ///< residues with at most one selected modification
+    double m_lfMaxDelta = 500.0;  ///< mass shifts reach this far from the centre, Da; "maxdelta"
+    double m_lfCenter = 0.0;      ///< centre of the mass shifts, Da; "center"
+    int m_nOpen = 1;              ///< open search; "open"
+    bool m_bIeqL = true;          ///< I and L count as one residue; "IeqL"
+    std::vector<ExtendedAA> m_vExtendedAA;  ///< residues with at most one selected modification
     std::vector<std::uint32_t> m_vEAAMassIndex;  ///< mass lookup over m_vExtendedAA
     bool m_bAutoRev = true;                      ///< search a target-decoy database; "auto_rev"
     bool m_bNPep = true;                         ///< consider signal peptides; "npep"
     int m_nSignalPepLen = 60;                    ///< longest signal peptide, residues; from "npep"
-    bool m_bDelTmp = true;                       ///< the engine removes temporary files; "del_tmp_files"
-    std::string m_strLumenPath;                  ///< for the engine; "lumen_path"
-    std::string m_strLumenCfgPath;               ///< for the engine; "lumen_cfg_path"
-    int m_nMultip = 1;                           ///< processes of the engine; "multip"
-    std::string m_strActivationType = "HCD-FTMS";  ///< "ETD..." or "ECD...", else HCD; "activation_type"
+    bool m_bDelTmp = true;          ///< the engine removes temporary files; "del_tmp_files"
+    std::string m_strLumenPath;     ///< for the engine; "lumen_path"
+    std::string m_strLumenCfgPath;  ///< for the engine; "lumen_cfg_path"
+    int m_nMultip = 1;              ///< processes of the engine; "multip"
+    std::string m_strActivationType = "HCD-FTMS";  ///< method; "activation_type"
     bool m_bETD = false;                           ///< the ion types are those of ETD
     std::uint32_t m_uMaxTag = 100;                 ///< tags of a spectrum; "max_tag"
     std::uint32_t m_uMaxResTag = 100;              ///< tags in the rest search; "max_res_tag"
@@ -168,8 +168,8 @@ public:
 
     // ---- Elements and amino acids: chem/elements_aa.cpp ----
 
-    /// Rebuilds m_mapElementMass from "element.ini" in the working folder: for each element the mass
-    /// of its most abundant isotope. A missing file leaves the map empty, without a message.
+    /// Rebuilds m_mapElementMass from "element.ini" in the working folder: for each element the
+    /// mass of its most abundant isotope. A missing file leaves the map empty, without a message.
     void ReadElementInfo();
     /// Adds the residues of m_strAAPath to m_cAlphaBet; letters that the file does not name stay as
     /// they are. Needs ReadElementInfo(). A missing file changes nothing, without a message.
@@ -177,8 +177,8 @@ public:
 
     // ---- Modification table: chem/mod_table.cpp ----
 
-    /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes stale
-    /// whatever points into m_vMods until CreateModList() has run, and empties m_setFixMods.
+    /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes
+    /// stale whatever points into m_vMods until CreateModList() has run, and empties m_setFixMods.
     void ReadMod();
 
     // ---- Modification selection: chem/mod_selection.cpp ----
@@ -202,10 +202,10 @@ public:
     /// The name under which a label's form of a modification stands in the table: name#0 for label
     /// number 0, which is the unlabelled form.
     std::string _get_labeled_mod_name(const std::string& name, const int& labelNumber) const;
-    /// Adds the selections of the learn file (output path + output name + ".learn"), until `maxMods`
-    /// modifications are selected, and the common ones that every open search considers; takes over
-    /// the learned probabilities and cleavage coefficients. False, and nothing changed, when the
-    /// file cannot be opened.
+    /// Adds the selections of the learn file (output path + output name + ".learn"), until
+    /// `maxMods` modifications are selected, and the common ones that every open search considers;
+    /// takes over the learned probabilities and cleavage coefficients. False, and nothing changed,
+    /// when the file cannot be opened.
     bool SetSelMod(const std::size_t& maxMods);
 
     // ---- Quantitation labels: chem/labels.cpp ----
@@ -236,11 +236,11 @@ public:
     // ---- Protein database: database/prepare_database.cpp ----
 
     /// Settles m_strInputFastaPath: m_strFastaPath itself, or with m_bAutoRev the target-decoy
-    /// database beside it, which is generated unless one is there that is not older. Uses and resets
-    /// m_cFastaLoader, which has to be Reset() again before proteins are read.
-    /// Throws std::runtime_error when the database does not exist. A target-decoy database that
-    /// cannot be written, or a source that keeps changing, ends the process with status 1; what
-    /// stood there before stays.
+    /// database beside it, which is generated unless one is there that is not older. Uses and
+    /// resets m_cFastaLoader, which has to be Reset() again before proteins are read. Throws
+    /// std::runtime_error when the database does not exist. A target-decoy database that cannot be
+    /// written, or a source that keeps changing, ends the process with status 1; what stood there
+    /// before stays.
     void SetFastaPath();
     /// Turns the search to the sub-database output path + output name + ".sub.fasta", which the
     /// engine has written; returns 1.
@@ -261,8 +261,8 @@ public:
 
     // ---- Reading results: result/read_results.cpp ----
 
-    /// Replaces m_mapPSMRes by an empty entry for every spectrum of m_vSpectra; returns 1. Of spectra
-    /// with one title the last wins, and one warning tells how many titles were shared.
+    /// Replaces m_mapPSMRes by an empty entry for every spectrum of m_vSpectra; returns 1. Of
+    /// spectra with one title the last wins, and one warning tells how many titles were shared.
     int InitialResMap();
     /// Reads the fields of a peptide line, its rank already taken, and sets the mass deviation from
     /// the spectrum; returns 1. `buffer` has room for 81920 characters. The stream is left behind
@@ -278,8 +278,8 @@ public:
     /// _LoadResult() for every path, then sorts by CPepRes::ScoreGreater and drops duplicates.
     int LoadResult(const std::vector<std::string>& paths, const unsigned long long& maxPeps,
                    const double& maxFinalScore);
-    /// _LoadGroupResult() for every path, then sorts by CPepRes::ConfidentByQV and drops duplicates.
-    /// The last two arguments are ignored.
+    /// _LoadGroupResult() for every path, then sorts by CPepRes::ConfidentByQV and drops
+    /// duplicates. The last two arguments are ignored.
     int LoadGroupResult(const std::vector<std::string>& paths, const unsigned long long& maxPeps,
                         const double& maxFinalScore);
 
@@ -295,15 +295,15 @@ public:
     /// Sorts every spectrum's candidates by CPepRes::FinalScoreGreater and drops duplicates.
     void RemoveRedundancy();
     /// Concatenates files of any size, in blocks. Returns the status of closing: false is success.
-    /// Inputs are removed, if asked for, only after the output was closed without an error. An input
-    /// that does not exist is skipped with a warning. After a failed write, for an input that cannot
-    /// be read, and when the output is one of the inputs (then nothing is touched), an alert names
-    /// the file, true is returned and every input stays. An output that cannot be opened ends the
-    /// process with status 1.
+    /// Inputs are removed, if asked for, only after the output was closed without an error. An
+    /// input that does not exist is skipped with a warning. After a failed write, for an input that
+    /// cannot be read, and when the output is one of the inputs (then nothing is touched), an alert
+    /// names the file, true is returned and every input stays. An output that cannot be opened ends
+    /// the process with status 1.
     bool MergeFiles(const std::vector<std::string>& inputs, const std::string& output,
                     bool removeInputs) const;
-    /// Merges the engine's result files of all batches so far, output name + ".<batch>." + ext, into
-    /// output name + "." + ext, all under the output path, and removes them.
+    /// Merges the engine's result files of all batches so far, output name + ".<batch>." + ext,
+    /// into output name + "." + ext, all under the output path, and removes them.
     void MergeSubRes(const std::string& ext) const;
 
     // ---- Writing results: result/write_results.cpp ----

@@ -30,7 +30,7 @@ int _get_line(std::FILE* stream, char** buffer, std::size_t& size) {
         if (filled == size - 1) {
             char* larger = new char[size + step];
             std::memcpy(larger, *buffer, size);
-            delete[] *buffer;
+            delete[] * buffer;
             *buffer = larger;
             size += step;
         } else {

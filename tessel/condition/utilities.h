@@ -17,8 +17,9 @@ TESSEL_API void _str_split(const std::string& text, std::vector<std::string>& ou
 /// Reads the stream, line by line, to its end through one buffer; returns 0. Afterwards the buffer
 /// holds the last line read, with its line feed if it had one.
 /// `*buffer` is an array from new[] with room for `size` characters, at least 2 (otherwise nothing
-/// is read). A longer line replaces it by a larger one, `size` on entry larger each time; the caller
-/// owns the array left in `*buffer`, of the length left in `size`, and frees it with delete[].
+/// is read). A longer line replaces it by a larger one, `size` on entry larger each time; the
+/// caller owns the array left in `*buffer`, of the length left in `size`, and frees it with
+/// delete[].
 TESSEL_API int _get_line(std::FILE* stream, char** buffer, std::size_t& size);
 
 /// Makes a folder path end with a backslash. An empty path stays empty.

@@ -4,6 +4,7 @@
 
 namespace tessel {
 
-CFastaLoader::CFastaLoader(const CCondition* condition) : m_pCondition(condition) {}
+CFastaLoader::CFastaLoader(const CCondition* condition) : m_pCondition(condition) {
+}
 
 }  // namespace tessel

@@ -8,7 +8,8 @@
 
 namespace tessel {
 
-/// Reads FASTA entries from a stream opened in binary mode. An entry starts at a line beginning with
+/// Reads FASTA entries from a stream opened in binary mode. An entry starts at a line beginning
+/// with
 /// ">"; text before the first is ignored. The accession ends at the first blank or tab, the
 /// description is the rest without blanks and tabs at its ends. White space in sequences is
 /// dropped; every other character is kept, lower case and "*" included. An entry may be empty.

@@ -15,12 +15,12 @@ public:
     explicit CConditionReader(const std::string& path);
     virtual ~CConditionReader() = default;
 
-    /// Reads every section. Messages are shown by the level LOG_INFO whatever the file sets, because
-    /// the level is read last.
+    /// Reads every section. Messages are shown by the level LOG_INFO whatever the file sets,
+    /// because the level is read last.
     void Read();
 
-    /// Ends the process with status 1 after "Invalid_<key>_Path: [path]" unless the path is the name
-    /// of any existing file or folder.
+    /// Ends the process with status 1 after "Invalid_<key>_Path: [path]" unless the path is the
+    /// name of any existing file or folder.
     static void Validation_Path(const CCondition& condition, const std::string& path,
                                 const std::string& key);
 

@@ -39,7 +39,8 @@ std::wstring with_long_prefix(const std::wstring& path) {
 
 // A folder text may end in a separator; the status calls refuse that, except for a root.
 std::string without_last_separator(std::string path) {
-    while (path.size() > 1 && path.back() == '\\' && path[path.size() - 2] != ':') path.pop_back();
+    while (path.size() > 1 && path.back() == '\\' && path[path.size() - 2] != ':')
+        path.pop_back();
     return path;
 }
 
@@ -52,10 +53,9 @@ std::int64_t unix_seconds(const FILETIME& time) {
 }
 
 std::optional<BY_HANDLE_FILE_INFORMATION> file_identity(const std::string& path) {
-    const HANDLE file = CreateFileW(
-        wide_path(without_last_separator(host_path(path))).c_str(), 0,
-        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-        FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE file = CreateFileW(wide_path(without_last_separator(host_path(path))).c_str(), 0,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) return std::nullopt;
     BY_HANDLE_FILE_INFORMATION identity;
     const bool known = GetFileInformationByHandle(file, &identity) != 0;
@@ -166,7 +166,8 @@ std::optional<std::vector<std::string>> folder_entries(const std::string& path) 
 std::string working_folder() {
     std::wstring folder(GetCurrentDirectoryW(0, nullptr), L'\0');
     folder.resize(GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
-    while (!folder.empty() && folder.back() == L'\\') folder.pop_back();
+    while (!folder.empty() && folder.back() == L'\\')
+        folder.pop_back();
     return narrow_text(folder);
 }
 

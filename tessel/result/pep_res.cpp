@@ -80,7 +80,8 @@ CPepRes::CPepRes(CPepRes&& other) noexcept
       m_vstrExtra(std::move(other.m_vstrExtra)),
       m_ucAux2(other.m_ucAux2),
       m_nAuxA(other.m_nAuxA),
-      m_nAuxB(other.m_nAuxB) {}
+      m_nAuxB(other.m_nAuxB) {
+}
 
 CPepRes& CPepRes::operator=(const CPepRes& other) {
     if (this != &other) *this = CPepRes(other);

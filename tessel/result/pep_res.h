@@ -15,33 +15,33 @@ class GodelCode;
 
 /// One modification of a peptide.
 struct MOD_SITE {
-    unsigned char m_ucPos = 0;      ///< position in the peptide; the engine's convention
-    const CMod* m_pMod = nullptr;   ///< into the condition's tables, not owned; null: unknown name
+    unsigned char m_ucPos = 0;     ///< position in the peptide; the engine's convention
+    const CMod* m_pMod = nullptr;  ///< into the condition's tables, not owned; null: unknown name
 };
 
 /// One candidate peptide of a spectrum.
 class TESSEL_API CPepRes {
 public:
-    double m_lfScore = 0.0;                   ///< search score; larger is better
-    std::array<double, 5> m_lfSubScores{};    ///< for the engine; carried, read and written
-    double m_lfFinalScore = 0.0;              ///< final score; smaller is better
-    double m_lfQValue = 1024.0;               ///< q-value; smaller is better
-    double m_lfPepMass = 0.0;                 ///< calculated mass of the peptide, Da
-    double m_lfMassDev = 0.0;                 ///< spectrum's MH+ - m_lfPepMass, Da; never written
-    std::string m_strSeq;                     ///< peptide sequence
+    double m_lfScore = 0.0;                 ///< search score; larger is better
+    std::array<double, 5> m_lfSubScores{};  ///< for the engine; carried, read and written
+    double m_lfFinalScore = 0.0;            ///< final score; smaller is better
+    double m_lfQValue = 1024.0;             ///< q-value; smaller is better
+    double m_lfPepMass = 0.0;               ///< calculated mass of the peptide, Da
+    double m_lfMassDev = 0.0;               ///< spectrum's MH+ - m_lfPepMass, Da; never written
+    std::string m_strSeq;                   ///< peptide sequence
     /// The modification sites, m_ucModNum of them from new[], owned; null when there are none.
     /// After Clean() the pointer, not the count, says that there are none.
     MOD_SITE* m_pMods = nullptr;
-    unsigned char m_ucModNum = 0;             ///< number of modification sites
-    unsigned char m_ucAux0 = 0;               ///< for the engine; carried and copied only
-    unsigned char m_ucAuxMax = 0;             ///< for the engine; merging keeps the larger value
-    unsigned char m_bDecoy = 1;               ///< 0 or 1; merging keeps 1 only if all copies have it
-    unsigned char m_ucAux1 = 0;               ///< for the engine; carried, read and written
-    std::set<PRO_INFO> m_setProteins;         ///< protein hits, one per protein
-    std::vector<std::string> m_vstrExtra;     ///< for the engine; in no file
-    unsigned char m_ucAux2 = 0;               ///< for the engine; carried, read and written
-    std::array<int, 4> m_nAuxA{};             ///< for the engine; carried, read and written
-    std::array<int, 4> m_nAuxB{};             ///< for the engine; carried, read and written
+    unsigned char m_ucModNum = 0;          ///< number of modification sites
+    unsigned char m_ucAux0 = 0;            ///< for the engine; carried and copied only
+    unsigned char m_ucAuxMax = 0;          ///< for the engine; merging keeps the larger value
+    unsigned char m_bDecoy = 1;            ///< 0 or 1; merging keeps 1 only if all copies have it
+    unsigned char m_ucAux1 = 0;            ///< for the engine; carried, read and written
+    std::set<PRO_INFO> m_setProteins;      ///< protein hits, one per protein
+    std::vector<std::string> m_vstrExtra;  ///< for the engine; in no file
+    unsigned char m_ucAux2 = 0;            ///< for the engine; carried, read and written
+    std::array<int, 4> m_nAuxA{};          ///< for the engine; carried, read and written
+    std::array<int, 4> m_nAuxB{};          ///< for the engine; carried, read and written
 
     CPepRes() = default;
     /// Copies are deep: a site array of its own with the same modifications.
@@ -56,8 +56,8 @@ public:
     /// Frees the sites and leaves their count as it is; returns 1.
     int Clean();
 
-    /// Hash of the sequence and its modifications. It takes in the addresses of the CMod records, so
-    /// it holds within one loaded modification table only. At most 500 bytes count: one per
+    /// Hash of the sequence and its modifications. It takes in the addresses of the CMod records,
+    /// so it holds within one loaded modification table only. At most 500 bytes count: one per
     /// residue, nine per site.
     double GetHash(const GodelCode& code) const;
 

@@ -2,11 +2,11 @@
 
 namespace tessel {
 
-/// One protein hit of a peptide. Hits compare by the protein's key alone, so a set of them holds one
-/// hit per protein: the first one put in.
+/// One protein hit of a peptide. Hits compare by the protein's key alone, so a set of them holds
+/// one hit per protein: the first one put in.
 struct PRO_INFO {
-    int m_nProID = 0;   ///< the protein's key
-    int m_nSite = 0;    ///< where the peptide begins in the protein; the engine's convention
+    int m_nProID = 0;    ///< the protein's key
+    int m_nSite = 0;     ///< where the peptide begins in the protein; the engine's convention
     char m_cPrev = '-';  ///< residue before the peptide; "-" when unknown
     char m_cNext = '-';  ///< residue behind the peptide; "-" when unknown
 

@@ -10,9 +10,9 @@ namespace tessel {
 /// One spectrum with its candidate peptides.
 class CPSMRes {
 public:
-    std::string m_strTitle;       ///< spectrum title
-    int m_nCharge = 0;            ///< precursor charge
-    double m_lfMH = 0.0;          ///< precursor mass as the singly protonated ion, Da
+    std::string m_strTitle;        ///< spectrum title
+    int m_nCharge = 0;             ///< precursor charge
+    double m_lfMH = 0.0;           ///< precursor mass as the singly protonated ion, Da
     std::vector<CPepRes> m_vPeps;  ///< candidates, in rank order once sorted
 };
 

@@ -38,7 +38,8 @@ public:
     /// the place behind an initial M always count. False beyond the end of the protein.
     bool IsValidCleavage(const std::string& protein, const std::size_t& position) const;
     /// Whether `position` is a peptide boundary behind `begin`: as above, but without the rule for
-    /// an initial M and without restriction residues, on purpose. True when it is not behind `begin`.
+    /// an initial M and without restriction residues, on purpose. True when it is not behind
+    /// `begin`.
     bool IsValidPosition(const std::string& protein, const std::size_t& position,
                          const std::size_t& begin) const;
 };

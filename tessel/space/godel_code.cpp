@@ -11,9 +11,8 @@ namespace {
 std::vector<unsigned> first_primes(std::size_t count) {
     std::vector<unsigned> primes;
     for (unsigned candidate = 2; primes.size() < count; ++candidate) {
-        const bool divisible = std::any_of(primes.begin(), primes.end(), [candidate](unsigned p) {
-            return candidate % p == 0;
-        });
+        const bool divisible = std::any_of(primes.begin(), primes.end(),
+                                           [candidate](unsigned p) { return candidate % p == 0; });
         if (!divisible) primes.push_back(candidate);
     }
     return primes;

@@ -8,8 +8,8 @@
 namespace tessel {
 
 /// The position-weighted hash of byte sequences. Byte value c at position p counts
-/// c * ln(the (p+1)-th prime), so that a sum is the logarithm of the sequence's Goedel number, which
-/// is unique; as a double it is a hash with rare collisions.
+/// c * ln(the (p+1)-th prime), so that a sum is the logarithm of the sequence's Goedel number,
+/// which is unique; as a double it is a hash with rare collisions.
 class TESSEL_API GodelCode {
 public:
     static constexpr std::size_t kPositions = 500;  ///< entries of a row; sums stop here

@@ -13,8 +13,9 @@ namespace tessel {
 /// As a number of entries: all that remain.
 inline constexpr std::size_t kAllEntries = std::numeric_limits<std::size_t>::max();
 
-/// A reader of spectrum files. Count() opens a file, Browse() reads it batch by batch, Close() ends.
-/// An entry is what the file stores once: an MGF block, a ZB2 scan (which may yield several spectra).
+/// A reader of spectrum files. Count() opens a file, Browse() reads it batch by batch, Close()
+/// ends. An entry is what the file stores once: an MGF block, a ZB2 scan (which may yield several
+/// spectra).
 class TESSEL_API CInput {
 public:
     virtual ~CInput() = default;

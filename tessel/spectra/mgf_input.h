@@ -11,10 +11,11 @@ namespace tessel {
 
 class CLineReader;
 
-/// Reads MGF text files. A block begins at a line that starts with "BEGIN" and ends at the next line
-/// that starts with "E", or at the end of the file. Within it the first character alone decides:
-/// "C" is the charge, "P" the precursor m/z, "T" the title, a digit a peak; every other line is
-/// ignored. Keys that share a first letter are taken for one another; files in use count on that.
+/// Reads MGF text files. A block begins at a line that starts with "BEGIN" and ends at the next
+/// line that starts with "E", or at the end of the file. Within it the first character alone
+/// decides: "C" is the charge, "P" the precursor m/z, "T" the title, a digit a peak; every other
+/// line is ignored. Keys that share a first letter are taken for one another; files in use count on
+/// that.
 class TESSEL_API CMGFInput : public CInput {
 public:
     CMGFInput();

@@ -54,9 +54,9 @@ public:
     void Output(std::FILE* file) const;
 };
 
-// Titles of the form stem.scan.scan.charge.index.dta taken apart at the dots. Each function replaces
-// `out`. Pieces that are joined are joined without the dots, on purpose: engines compare the
-// results with names made that way. A title of two to five pieces is taken as stem.scan..., one
+// Titles of the form stem.scan.scan.charge.index.dta taken apart at the dots. Each function
+// replaces `out`. Pieces that are joined are joined without the dots, on purpose: engines compare
+// the results with names made that way. A title of two to five pieces is taken as stem.scan..., one
 // without a dot stands for everything.
 
 /// The stem: a.b.12.12.2.0.dta gives "ab".

@@ -33,15 +33,15 @@ private:
 
 /// Runs the statement in a child process, which it must end with exit status 1 and exactly these
 /// texts on standard output and standard error.
-#define EXPECT_ENDS_PROCESS(statement, output, errors)                                        \
-    do {                                                                                      \
-        const tessel::test::CEndedProcess ended(__LINE__);                                    \
-        EXPECT_EXIT(                                                                          \
-            {                                                                                 \
-                ended.RedirectStreams();                                                      \
-                statement;                                                                    \
-            },                                                                                \
-            testing::ExitedWithCode(1), "");                                                  \
-        EXPECT_EQ(ended.Output(), output);                                                    \
-        EXPECT_EQ(ended.Errors(), errors);                                                    \
+#define EXPECT_ENDS_PROCESS(statement, output, errors)     \
+    do {                                                   \
+        const tessel::test::CEndedProcess ended(__LINE__); \
+        EXPECT_EXIT(                                       \
+            {                                              \
+                ended.RedirectStreams();                   \
+                statement;                                 \
+            },                                             \
+            testing::ExitedWithCode(1), "");               \
+        EXPECT_EQ(ended.Output(), output);                 \
+        EXPECT_EQ(ended.Errors(), errors);                 \
     } while (false)
