@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
+#include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "tessel/base/message_text.h"
@@ -42,10 +45,9 @@ public:
         if (!m_cTokens.Token(sequence)) return false;
         pep.m_strSeq = sequence;
         return Measure(pep.m_lfPepMass) && Measure(pep.m_lfScore) && Measure(pep.m_lfFinalScore) &&
-               Number(pep.m_lfQValue) && Sites(pep) && Byte(pep.m_ucAuxMax) &&
-               Flag(pep.m_bDecoy) && Byte(pep.m_ucAux1) && Hits(psm.m_strTitle, pep) &&
-               Byte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
-               Numbers(pep.m_nAuxB);
+               Number(pep.m_lfQValue) && Sites(pep) && Byte(pep.m_ucAuxMax) && Flag(pep.m_bDecoy) &&
+               Byte(pep.m_ucAux1) && Hits(psm.m_strTitle, pep) && Byte(pep.m_ucAux2) &&
+               Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) && Numbers(pep.m_nAuxB);
     }
 
 private:
@@ -63,7 +65,10 @@ private:
 
     template <class List>
     bool Numbers(List& values) {
-        return std::all_of(values.begin(), values.end(), [this](auto& value) { return Number(value); });
+        for (auto& value : values) {
+            if (!Number(value)) return false;
+        }
+        return true;
     }
 
     // The numbers by which candidates are compared and selected.
@@ -146,6 +151,21 @@ CPSMRes& entry_of(std::map<std::string, CPSMRes>& results, const CPSMRes& spectr
     return entry->second;
 }
 
+struct DROPPED_RECORDS {
+    std::uint64_t m_uCount = 0;
+    std::uint64_t m_uFirstLine = 0;
+};
+
+void report_faults(const CCondition& condition, const std::string& path, bool unreadable,
+                   const DROPPED_RECORDS& dropped) {
+    if (unreadable) condition.Message("Cannot read the result file: " + path, LOG_ALERT);
+    if (dropped.m_uCount == 0) return;
+    condition.Message(
+        message_text("Malformed records dropped: ", dropped.m_uCount, ", the first on line ",
+                     dropped.m_uFirstLine, " of the result file: ", path),
+        LOG_ALERT);
+}
+
 // Reads one file. keep(peps, pep) decides about a candidate of the spectrum whose list is `peps`.
 template <class Keep>
 void load_file(CCondition& condition, const std::string& path, Keep keep) {
@@ -158,15 +178,14 @@ void load_file(CCondition& condition, const std::string& path, Keep keep) {
     CPepFields<CResultText> fields(condition, text);
     CPSMRes spectrum;  // as its head tells; its own list stays empty
     std::vector<CPepRes>* peps = nullptr;
-    std::uint64_t malformed = 0;
-    std::uint64_t firstMalformed = 0;
+    DROPPED_RECORDS dropped;
     std::string_view token;
     while (text.NextRecord(token)) {
         CPepRes pep;
         const bool isHead = token == "S";
         const bool isGood = isHead ? read_head(text, spectrum) : fields.Read(spectrum, pep);
         if (!isGood) {
-            if (malformed++ == 0) firstMalformed = text.RecordLine();
+            if (dropped.m_uCount++ == 0) dropped.m_uFirstLine = text.RecordLine();
             text.LeaveRecord();
             continue;
         }
@@ -176,13 +195,7 @@ void load_file(CCondition& condition, const std::string& path, Keep keep) {
         keep(*peps, std::move(pep));
         text.LinePiece(token);
     }
-    if (text.Failed()) condition.Message("Cannot read the result file: " + path, LOG_ALERT);
-    if (malformed > 0) {
-        condition.Message(message_text("Malformed records dropped: ", malformed,
-                                       ", the first on line ", firstMalformed,
-                                       " of the result file: ", path),
-                          LOG_ALERT);
-    }
+    report_faults(condition, path, text.Failed(), dropped);
 }
 
 using PEP_ORDER = bool (*)(const CPepRes&, const CPepRes&);

@@ -127,7 +127,7 @@ private:
 
     std::FILE* m_pFile;
     std::vector<char> m_vBuffer;
-    std::size_t m_tNext = 0;    // what is read and not yet handed out: [m_tNext, m_tEnd)
+    std::size_t m_tNext = 0;  // what is read and not yet handed out: [m_tNext, m_tEnd)
     std::size_t m_tEnd = 0;
     std::size_t m_tRecord = 0;  // where the current record begins; it is kept from there on
     bool m_bInRecord = false;
