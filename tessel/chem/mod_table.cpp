@@ -1,1 +1,120 @@
-// The implementation follows.
+// The modification table: the file that m_strModPath names comes in, m_vMods is filled. A
+// definition goes back to a line of the same file by GetLine().
+
+#include <array>
+
+#include "tessel/base/bucket_index.h"
+#include "tessel/base/end_process.h"
+#include "tessel/base/line_reader.h"
+#include "tessel/base/number.h"
+#include "tessel/base/word_reader.h"
+#include "tessel/chem/mod.h"
+#include "tessel/condition/condition.h"
+#include "tessel/platform/file.h"
+
+namespace tessel {
+namespace {
+
+// Indexed by MOD_TYPE.
+constexpr std::array<std::string_view, 5> kPositions = {"NORMAL", "PEP_C", "PEP_N", "PRO_C",
+                                                        "PRO_N"};
+
+MOD_TYPE position_type(std::string_view word) {
+    for (std::size_t i = 0; i < kPositions.size(); ++i) {
+        if (word == kPositions[i]) return static_cast<MOD_TYPE>(i);
+    }
+    return NORMAL;
+}
+
+std::string_view position_word(MOD_TYPE type) {
+    return kPositions[type >= PEP_C && type <= PRO_N ? static_cast<std::size_t>(type) : 0];
+}
+
+// The number of losses is only a promise: reading stops where the line does.
+void read_losses(CWordReader& fields, std::vector<double>& losses) {
+    std::size_t number = 0;
+    fields.Read(number);
+    for (; number > 0 && fields.Good(); --number) {
+        double mass = 0.0;
+        std::string_view average;
+        if (fields.Read(mass)) losses.push_back(mass);
+        fields.Word(average);
+    }
+}
+
+CMod definition(std::string_view name, std::string_view value, int flag) {
+    CMod mod;
+    mod.m_strName = name;
+    mod.m_nFlag = flag;
+    CWordReader fields(value);
+    fields.Word(mod.m_strSites);
+    std::string_view position;
+    if (fields.Word(position)) mod.m_eType = position_type(position);
+    fields.Read(mod.m_lfMass);
+    std::string_view average;
+    fields.Word(average);
+    read_losses(fields, mod.m_vLossMass);
+    mod.m_strComposition.clear();  // the impossible default is for mods without a definition
+    fields.Word(mod.m_strComposition);
+    return mod;
+}
+
+}  // namespace
+
+std::string CMod::GetLine() const {
+    std::string line = m_strName + '=' + m_strSites + '\t';
+    line += position_word(m_eType);
+    const auto appendMasses = [&line](double mass) {
+        line += '\t';
+        append_fixed(line, mass, 6);
+        line += '\t';
+        append_fixed(line, mass, 6);
+    };
+    appendMasses(m_lfMass);
+    line += '\t';
+    append_integer(line, m_vLossMass.size());
+    line += '\t';
+    for (const double loss : m_vLossMass)
+        appendMasses(loss);
+    return line + '\t' + m_strComposition;
+}
+
+bool CMod::Mass_Less(const CMod& a, const CMod& b) {
+    return mass_less(a.m_lfMass, b.m_lfMass);
+}
+
+void CCondition::ReadMod() {
+    Message("Reading modifications... " + m_strModPath + '\n', LOG_DEBUG);
+    if (!path_exists(m_strModPath)) {
+        Message("Invalid modification file: " + m_strModPath + '\n', LOG_ALERT);
+        end_process(1);
+    }
+    DropModAddresses();
+    m_vMods.clear();
+
+    CLineReader reader(m_strModPath);
+    int flag = 0;
+    std::string_view line;
+    while (reader.ReadLine(line)) {
+        const std::size_t sign = line.find('=');
+        if (sign == std::string_view::npos) continue;
+        const std::string_view key = line.substr(0, sign);
+        if (key == "@NUMBER_MODIFICATION" || key == "label_name") continue;
+        if (key.starts_with("name")) {
+            flag = to_int(line.substr(line.size() - 2));
+        } else if (!key.starts_with("Label_")) {
+            m_vMods.push_back(definition(key, line.substr(sign + 1), flag));
+        }
+    }
+    if (!reader.IsOpen() || reader.Failed()) {
+        Message("Cannot read the modification file: " + m_strModPath, LOG_ALERT);
+    }
+}
+
+// Whatever replaces or reorders m_vMods calls this: no later allocation may bring an old address
+// back as that of another modification, which would then count as fixed.
+void CCondition::DropModAddresses() {
+    m_setFixMods.clear();
+}
+
+}  // namespace tessel

@@ -28,16 +28,17 @@ public:
     static bool _strange_precursor_tolerance(const CCondition& condition);
     static bool _strange_fragment_tolerance(const CCondition& condition);
 
-    std::string m_strPath;    ///< the parameter file
-    CCondition m_cCondition;  ///< filled by Read(); used in place, because it cannot be copied
-
-private:
+    /// The steps of Read(), in its order: each reads the section of its name, _LoadData() the
+    /// sections "file" and "datalist".
     void _LoadParam();
     void _LoadData();
     void _LoadEngine();
     void _LoadFilter();
     void _LoadQuant();
     void _LoadSystem();
+
+    std::string m_strPath;    ///< the parameter file
+    CCondition m_cCondition;  ///< filled by Read(); used in place, because it cannot be copied
 };
 
 }  // namespace tessel

@@ -1,1 +1,151 @@
-// The implementation follows.
+// Candidate lists come in sorted and leave without duplicates; the result files of all batches are
+// joined into one.
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "tessel/base/end_process.h"
+#include "tessel/base/number.h"
+#include "tessel/condition/condition.h"
+#include "tessel/platform/file.h"
+#include "tessel/result/score_key.h"
+
+namespace tessel {
+namespace {
+
+std::size_t site_count(const CPepRes& pep) {
+    return pep.m_pMods == nullptr ? 0 : pep.m_ucModNum;
+}
+
+bool same_site(const MOD_SITE& a, const MOD_SITE& b) {
+    if (a.m_ucPos != b.m_ucPos) return false;
+    if (a.m_pMod == nullptr || b.m_pMod == nullptr) return a.m_pMod == b.m_pMod;
+    return a.m_pMod->m_strName == b.m_pMod->m_strName;
+}
+
+// What a duplicate adds to the candidate that stays.
+void absorb(CPepRes& kept, CPepRes& duplicate) {
+    kept.m_setProteins.merge(duplicate.m_setProteins);
+    if (duplicate.m_bDecoy == 0) kept.m_bDecoy = 0;
+    kept.m_ucAuxMax = std::max(kept.m_ucAuxMax, duplicate.m_ucAuxMax);
+}
+
+void erase_marked(std::vector<CPepRes>& peps, const std::vector<bool>& marked) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < peps.size(); ++i) {
+        if (marked[i]) continue;
+        if (kept != i) peps[kept] = std::move(peps[i]);
+        ++kept;
+    }
+    peps.erase(peps.begin() + static_cast<std::ptrdiff_t>(kept), peps.end());
+}
+
+enum class COPY_RESULT { DONE, UNREADABLE, UNWRITABLE };
+
+COPY_RESULT append_file(const std::string& path, std::FILE* output, std::vector<char>& block) {
+    const FilePtr input = open_file(path, "rb");
+    if (!input) return COPY_RESULT::UNREADABLE;
+    for (;;) {
+        const std::size_t count = std::fread(block.data(), 1, block.size(), input.get());
+        if (std::fwrite(block.data(), 1, count, output) != count) return COPY_RESULT::UNWRITABLE;
+        if (count < block.size()) break;
+    }
+    return std::ferror(input.get()) == 0 ? COPY_RESULT::DONE : COPY_RESULT::UNREADABLE;
+}
+
+// A file named twice is gone the second time, which is no fault.
+void remove_files(const CCondition& condition, const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        if (!remove_file(path) && path_exists(path)) {
+            condition.Message("Cannot remove the merged file: " + path, LOG_WARNING);
+        }
+    }
+}
+
+}  // namespace
+
+bool CCondition::_equal_res(const CPepRes& a, const CPepRes& b) const {
+    if (std::fabs(a.m_lfPepMass - b.m_lfPepMass) > 0.0001) return false;
+    if (a.m_strSeq != b.m_strSeq || site_count(a) != site_count(b)) return false;
+    return std::equal(a.m_pMods, a.m_pMods + site_count(a), b.m_pMods, same_site);
+}
+
+void CCondition::RemoveRedundancy(std::vector<CPepRes>& peps) const {
+    std::vector<bool> marked(peps.size());
+    for (std::size_t i = 0; i < peps.size(); ++i) {
+        if (marked[i]) continue;
+        const std::uint32_t key = truncated_score(peps[i].m_lfScore);
+        for (std::size_t j = i + 1; j < peps.size(); ++j) {
+            if (marked[j]) continue;
+            if (truncated_score(peps[j].m_lfScore) != key) break;
+            if (!_equal_res(peps[i], peps[j])) continue;
+            marked[j] = true;
+            absorb(peps[i], peps[j]);
+        }
+    }
+    erase_marked(peps, marked);
+}
+
+void CCondition::RemoveRedundancy() {
+    for (auto& [title, spectrum] : m_mapPSMRes) {
+        std::stable_sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(),
+                         CPepRes::FinalScoreGreater);
+        RemoveRedundancy(spectrum.m_vPeps);
+    }
+}
+
+bool CCondition::MergeFiles(const std::vector<std::string>& inputs, const std::string& output,
+                            bool removeInputs) const {
+    const auto isOutput = [&output](const std::string& input) {
+        return input == output || same_file(input, output);
+    };
+    if (std::any_of(inputs.begin(), inputs.end(), isOutput)) {
+        Message("The result file to write is also to be merged: " + output, LOG_ALERT);
+        return true;
+    }
+    const std::string writeFailure = "Failed to write the result file: " + output;
+    FilePtr merged = open_file(output, "wb");
+    if (!merged) {
+        Message(writeFailure, LOG_ALERT);
+        end_process(1);
+    }
+
+    std::vector<char> block(std::size_t{1} << 20);
+    std::vector<std::string> copied;
+    for (const std::string& input : inputs) {
+        // What is the output now was not there before: another spelling of its name.
+        if (!path_exists(input) || isOutput(input)) {
+            Message("The result file to merge does not exist: " + input, LOG_WARNING);
+            continue;
+        }
+        const COPY_RESULT result = append_file(input, merged.get(), block);
+        if (result == COPY_RESULT::UNREADABLE) {
+            Message("Cannot read the result file: " + input, LOG_ALERT);
+        } else if (result == COPY_RESULT::UNWRITABLE) {
+            Message(writeFailure, LOG_ALERT);
+        }
+        if (result != COPY_RESULT::DONE) return true;
+        copied.push_back(input);
+    }
+    if (!close_file(std::move(merged))) {
+        Message(writeFailure, LOG_ALERT);
+        return true;
+    }
+    if (removeInputs) remove_files(*this, copied);
+    return false;
+}
+
+void CCondition::MergeSubRes(const std::string& ext) const {
+    const std::string base = m_strOutputPath + m_strOutputName + '.';
+    std::vector<std::string> inputs;
+    for (std::size_t batch = 1; batch <= m_tBatchNo; ++batch) {
+        std::string& input = inputs.emplace_back(base);
+        append_integer(input, batch);
+        input += '.' + ext;
+    }
+    MergeFiles(inputs, base + ext, true);
+}
+
+}  // namespace tessel

@@ -13,7 +13,7 @@ namespace tessel {
 namespace {
 
 MOD_SITE* copied_sites(const CPepRes& other) {
-    if (other.m_pMods == nullptr) return nullptr;
+    if (other.m_pMods == nullptr || other.m_ucModNum == 0) return nullptr;
     MOD_SITE* sites = new MOD_SITE[other.m_ucModNum];
     std::copy_n(other.m_pMods, other.m_ucModNum, sites);
     return sites;
@@ -97,7 +97,8 @@ CPepRes& CPepRes::operator=(CPepRes&& other) noexcept {
     m_lfPepMass = other.m_lfPepMass;
     m_lfMassDev = other.m_lfMassDev;
     m_strSeq = std::move(other.m_strSeq);
-    std::swap(m_pMods, other.m_pMods);  // the other's destructor frees ours
+    delete[] m_pMods;
+    m_pMods = std::exchange(other.m_pMods, nullptr);
     m_ucModNum = other.m_ucModNum;
     m_ucAux0 = other.m_ucAux0;
     m_ucAuxMax = other.m_ucAuxMax;

@@ -1,1 +1,149 @@
-// The implementation follows.
+// MGF text files: lines come in, one spectrum for each block between "BEGIN" and "E" is filled.
+
+#include "tessel/spectra/mgf_input.h"
+
+#include <string_view>
+#include <utility>
+
+#include "tessel/base/line_reader.h"
+#include "tessel/base/number.h"
+#include "tessel/base/text.h"
+#include "tessel/platform/file.h"
+#include "tessel/spectra/entries.h"
+
+namespace tessel {
+namespace {
+
+// Where the values begin, whatever the key is spelt like.
+constexpr std::size_t kTitleAt = 6;   // TITLE=
+constexpr std::size_t kChargeAt = 7;  // CHARGE=
+constexpr std::size_t kMzAt = 8;      // PEPMASS=
+
+bool begins_block(std::string_view line) {
+    return line.starts_with("BEGIN");
+}
+
+bool skip_to_block(CLineReader& lines) {
+    std::string_view line;
+    while (lines.ReadLine(line)) {
+        if (begins_block(line)) return true;
+    }
+    return false;
+}
+
+CPeak peak_of(std::string_view line) {
+    CPeak peak;
+    const char* const last = line.data() + line.size();
+    const char* const end = read_double(line.data(), last, peak.m_lfMz);
+    if (end != nullptr) read_double(end, last, peak.m_lfIntensity);
+    return peak;
+}
+
+void set_title(CSpectrum& spectrum, std::string_view line) {
+    spectrum.m_strTitle = text_from(without_unprintable_tail(line), kTitleAt);
+    spectrum._ExtractScanNo();
+}
+
+// Reads the lines of a block up to its end. Charge and m/z stay as they are where the block does
+// not name them.
+void read_block(CLineReader& lines, CSpectrum& spectrum, double& mz) {
+    std::string_view line;
+    while (lines.ReadLine(line)) {
+        const char key = line.empty() ? '\0' : line.front();
+        if (is_digit(key)) {
+            spectrum.m_vPeaks.push_back(peak_of(line));
+        } else if (key == 'E') {
+            return;
+        } else if (key == 'C') {
+            spectrum.m_nCharge = to_int(text_from(line, kChargeAt));
+        } else if (key == 'P') {
+            mz = to_double(text_from(line, kMzAt));
+        } else if (key == 'T') {
+            set_title(spectrum, line);
+        }
+    }
+}
+
+std::string default_title(std::size_t total, std::size_t index, int charge) {
+    std::string title;
+    append_title_number(title, total);
+    append_title_number(title, index);
+    append_title_number(title, index);
+    append_title_number(title, static_cast<std::uint64_t>(charge));
+    return title + "dta";
+}
+
+}  // namespace
+
+CMGFInput::CMGFInput() = default;
+
+CMGFInput::~CMGFInput() {
+    Close();
+}
+
+std::size_t CMGFInput::Count(const std::string& path) {
+    Close();
+    m_strPath = path;
+    m_tSpecNum = 0;
+    m_tCurIdx = 0;
+    FilePtr file = open_file(path, "rb");
+    if (!file) {
+        m_vFaults.push_back("cannot open " + path);
+        return 0;
+    }
+    const bool empty = bytes_left(file.get()) == 0;
+    CLineReader lines(file.get(), kLinePiece);
+    std::size_t blocks = 0;
+    while (skip_to_block(lines))
+        ++blocks;
+    const bool failed = lines.Failed();
+    file = open_file(path, "rb");
+    if (failed || !file) {
+        m_vFaults.push_back("cannot read " + path);
+        return 0;
+    }
+    if (blocks == 0 && !empty) m_vFaults.push_back("no line begins with BEGIN in " + path);
+    m_fp = file.release();
+    m_pLines = std::make_unique<CLineReader>(m_fp, kLinePiece);
+    m_tSpecNum = blocks;
+    return m_tSpecNum;
+}
+
+std::size_t CMGFInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
+    if (m_fp == nullptr) return 0;
+    const std::size_t first = m_tCurIdx;
+    const std::size_t limit = entry_limit(m_tSpecNum, m_tCurIdx, num);
+    CSpectrum spectrum;  // keeps its memory from block to block; what goes out is a copy
+    double mz = 0.0;
+    while (m_tCurIdx < m_tSpecNum) {
+        if (!skip_to_block(*m_pLines)) {
+            m_vFaults.push_back(entries_missing(m_strPath, m_tSpecNum, m_tCurIdx));
+            Close();
+            break;
+        }
+        spectrum.m_vPeaks.clear();
+        spectrum.m_strTitle.clear();
+        read_block(*m_pLines, spectrum, mz);
+        spectrum.m_lfMH = protonated_mass(mz, spectrum.m_nCharge);
+        if (spectrum.m_strTitle.empty()) {
+            spectrum.m_nScanNo = static_cast<std::uint32_t>(m_tCurIdx);
+            spectrum.m_strTitle = default_title(m_tSpecNum, m_tCurIdx, spectrum.m_nCharge);
+        }
+        out.push_back(spectrum);
+        out.back().Create_Hash_Table();
+        if (++m_tCurIdx == limit) break;
+    }
+    return m_tCurIdx - first;
+}
+
+bool CMGFInput::Close() {
+    m_pLines.reset();
+    const FilePtr closing(std::exchange(m_fp, nullptr));
+    return true;
+}
+
+std::vector<std::string> CMGFInput::TakeFaults() {
+    return std::exchange(m_vFaults, {});
+}
+
+}  // namespace tessel

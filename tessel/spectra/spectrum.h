@@ -56,8 +56,8 @@ public:
 
 // Titles of the form stem.scan.scan.charge.index.dta taken apart at the dots. Each function
 // replaces `out`. Pieces that are joined are joined without the dots, on purpose: engines compare
-// the results with names made that way. A title of two to five pieces is taken as stem.scan..., one
-// without a dot stands for everything.
+// the results with names made that way. Of a title of two to five pieces the second is the scan
+// number, and both together are the stem; one without a dot stands for everything.
 
 /// The stem: a.b.12.12.2.0.dta gives "ab".
 TESSEL_API void _get_title(const std::string& title, std::string& out);

@@ -1,1 +1,149 @@
-// Tests follow.
+#include "tessel/base/bucket_index.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "tessel/chem/composition.h"
+
+namespace tessel {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+using Table = std::vector<std::uint32_t>;
+
+bool fill(Table& table, const std::vector<double>& masses) {
+    return fill_mass_buckets(table, masses, [](double mass) { return mass; });
+}
+
+TEST(bucket_index, truncation_saturates_and_leaves_out_what_is_not_finite) {
+    EXPECT_EQ(truncated(1.999), 1);
+    EXPECT_EQ(truncated(-1.999), -1);
+    EXPECT_EQ(truncated(1e300), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(truncated(-1e300), kNoBucket + 1);
+    EXPECT_EQ(truncated(kInfinity), kNoBucket);
+    EXPECT_EQ(truncated(kNaN), kNoBucket);
+    EXPECT_EQ(milli_dalton(15.9949), 15994);
+    EXPECT_EQ(milli_dalton(-0.9840155), -984);
+}
+
+TEST(bucket_index, empty_list_has_an_empty_table) {
+    Table table{1, 2, 3};
+    EXPECT_TRUE(fill(table, {}));
+    EXPECT_TRUE(table.empty());
+}
+
+TEST(bucket_index, positive_lightest_mass_begins_at_0) {
+    Table table;
+    EXPECT_TRUE(fill(table, {0.002, 0.0021, 0.004}));
+    EXPECT_EQ(table, (Table{0, 0, 0, 2, 2}));
+}
+
+TEST(bucket_index, negative_lightest_mass_stands_at_position_0) {
+    Table table;
+    EXPECT_TRUE(fill(table, {-0.002, 0.0, 0.0015}));
+    EXPECT_EQ(table, (Table{0, 1, 1, 2}));
+}
+
+TEST(bucket_index, table_ends_at_the_bucket_of_the_heaviest) {
+    Table table;
+    fill(table, {1.0, 57.021464});
+    EXPECT_EQ(table.size(), 57022u);
+}
+
+TEST(bucket_index, random_masses_are_found_as_by_a_linear_scan) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 50; ++round) {
+        const double low = round % 2 == 0 ? -0.3 : 0.01;
+        std::uniform_real_distribution<double> mass(low, 0.9);
+        std::vector<double> masses(std::uniform_int_distribution<std::size_t>(1, 60)(random));
+        for (double& m : masses)
+            m = mass(random);
+        std::sort(masses.begin(), masses.end());
+        Table table;
+        ASSERT_TRUE(fill(table, masses));
+        const std::int64_t offset = std::min<std::int64_t>(milli_dalton(masses.front()), 0);
+        ASSERT_EQ(table.size(), static_cast<std::size_t>(milli_dalton(masses.back()) - offset + 1));
+        for (std::size_t bucket = 0; bucket < table.size(); ++bucket) {
+            std::uint32_t first = 0;
+            while (milli_dalton(masses[first]) - offset < static_cast<std::int64_t>(bucket))
+                ++first;
+            ASSERT_EQ(table[bucket], first) << "bucket " << bucket;
+        }
+    }
+}
+
+TEST(bucket_index, masses_that_are_not_finite_enter_no_table) {
+    Table table;
+    EXPECT_TRUE(fill(table, {0.001, 0.002, kInfinity, kNaN}));
+    EXPECT_EQ(table, (Table{0, 0, 1}));
+    EXPECT_TRUE(fill(table, {kInfinity, kNaN}));
+    EXPECT_TRUE(table.empty());
+}
+
+TEST(bucket_index, table_beyond_fifty_million_entries_is_not_built) {
+    Table table{1};
+    EXPECT_FALSE(fill(table, {1.0, 50000.0}));
+    EXPECT_TRUE(table.empty());
+    EXPECT_FALSE(fill(table, {-1e300, 1e300}));
+    EXPECT_FALSE(fill(table, {-49999.0, 1.0}));
+    EXPECT_TRUE(fill(table, {49999.0, 49999.999}));
+    EXPECT_EQ(table.size(), 50'000'000u);
+}
+
+TEST(bucket_index, entries_out_of_order_are_left_to_the_larger_one_before) {
+    Table table;
+    const std::vector<std::int64_t> buckets{2, 1, 4, -5, 3};
+    fill_buckets(table, buckets, [](std::int64_t bucket) { return bucket; });
+    EXPECT_EQ(table, (Table{0, 0, 0, 2, 2}));
+}
+
+TEST(bucket_index, first_entry_with_a_bucket_opens_the_table) {
+    Table table;
+    const std::vector<std::int64_t> buckets{kNoBucket, 1, kNoBucket, 2};
+    fill_buckets(table, buckets, [](std::int64_t bucket) { return bucket; });
+    EXPECT_EQ(table, (Table{1, 1, 3}));
+}
+
+TEST(bucket_index, order_of_masses_is_defined_for_every_double) {
+    std::vector<double> masses{kNaN, kInfinity, 1.0, -kInfinity, -5.0};
+    std::stable_sort(masses.begin(), masses.end(), mass_less);
+    EXPECT_EQ(masses[0], -5.0);
+    EXPECT_EQ(masses[1], 1.0);
+    EXPECT_EQ(masses[2], -kInfinity);
+    EXPECT_EQ(masses[3], kInfinity);
+    EXPECT_TRUE(std::isnan(masses[4]));
+    EXPECT_FALSE(mass_less(kNaN, kNaN));
+}
+
+std::string groups(std::string_view composition) {
+    std::string text;
+    visit_composition(composition, [&text](std::string_view symbol, std::string_view count) {
+        text.append(symbol).append("=").append(count).append(" ");
+    });
+    return text;
+}
+
+TEST(composition, groups_come_in_order_with_their_count_texts) {
+    EXPECT_EQ(groups("C(2)H(-3)15N(+1)"), "C=2 H=-3 15N=+1 ");
+    EXPECT_EQ(groups(""), "");
+}
+
+TEST(composition, incomplete_pieces_are_skipped) {
+    struct {
+        const char* text;
+        const char* groups;
+    } rows[] = {
+        {"(5)C(2)", "C=2 "}, {"C()H(1)", "H=1 "}, {"C)H(1)", "H=1 "}, {"C2H3", ""},
+        {"))C(1)", "C=1 "},  {"C(1", "C=1 "},     {"C((4)", "C=4 "},  {"C(1(2)", "C=1 "},
+        {"C(x)", "C=x "},    {"(", ""},           {"C(", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(groups(row.text), row.groups) << row.text;
+}
+
+}  // namespace
+}  // namespace tessel

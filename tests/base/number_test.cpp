@@ -1,1 +1,204 @@
-// Tests follow.
+#include "tessel/base/number.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+#include "tessel/base/message_text.h"
+#include "tessel/base/word_reader.h"
+
+namespace tessel {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(number, integers_read_as_atoi_does) {
+    struct {
+        const char* text;
+        int value;
+    } rows[] = {
+        {"", 0},
+        {"7", 7},
+        {" \t\n\v\f\r12", 12},
+        {"+3", 3},
+        {"-3", -3},
+        {"2+", 2},
+        {"12abc", 12},
+        {"abc", 0},
+        {"- 3", 0},
+        {"+-3", 0},
+        {"0x10", 0},
+        {"007", 7},
+        {"1e3", 1},
+        {"3.9", 3},
+        {"--3", 0},
+        {"2147483647", 2147483647},
+        {"-2147483648", -2147483647 - 1},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(to_int(row.text), row.value) << row.text;
+}
+
+TEST(number, integers_saturate) {
+    EXPECT_EQ(to_int("2147483648"), 2147483647);
+    EXPECT_EQ(to_int("-2147483649"), -2147483647 - 1);
+    EXPECT_EQ(to_int("99999999999999999999999999"), 2147483647);
+    EXPECT_EQ(to_int("-99999999999999999999999999x"), -2147483647 - 1);
+    std::int64_t wide = 0;
+    const std::string_view text = "-99999999999999999999999999";
+    EXPECT_NE(read_integer(text.data(), text.data() + text.size(), wide), nullptr);
+    EXPECT_EQ(wide, std::numeric_limits<std::int64_t>::min());
+}
+
+TEST(number, negative_count_is_unreadable_for_an_unsigned_field) {
+    std::uint64_t count = 5;
+    const auto read = [&count](std::string_view text) {
+        return read_integer(text.data(), text.data() + text.size(), count) != nullptr;
+    };
+    EXPECT_FALSE(read("-1"));
+    EXPECT_EQ(count, 5u);
+    EXPECT_TRUE(read("-0"));
+    EXPECT_EQ(count, 0u);
+    EXPECT_TRUE(read("99999999999999999999999"));
+    EXPECT_EQ(count, std::numeric_limits<std::uint64_t>::max());
+}
+
+TEST(number, doubles_read_as_atof_does) {
+    struct {
+        const char* text;
+        double value;
+    } rows[] = {
+        {"", 0.0},
+        {"20", 20.0},
+        {"  -1.5e2xyz", -150.0},
+        {"+.5", 0.5},
+        {"5.", 5.0},
+        {".", 0.0},
+        {"e5", 0.0},
+        {"1e", 1.0},
+        {"1e+", 1.0},
+        {"1e5", 1e5},
+        {"0x1p4", 0.0},
+        {"-0x1p4", -0.0},
+        {"inf", kInfinity},
+        {"-INF", -kInfinity},
+        {"Infinity9", kInfinity},
+        {"+-1", 0.0},
+        {"--1", 0.0},
+        {"1,5", 1.0},
+        {"1.2.3", 1.2},
+        {"15.9x", 15.9},
+        {"0.1", 0.1},
+        {"123456789012345678", 123456789012345678.0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(to_double(row.text), row.value) << row.text;
+        EXPECT_EQ(std::signbit(to_double(row.text)), std::signbit(row.value)) << row.text;
+    }
+    EXPECT_TRUE(std::isnan(to_double("nan")));
+    EXPECT_TRUE(std::isnan(to_double("-NaN(12)")));
+}
+
+TEST(number, doubles_overflow_to_infinity_and_underflow_to_0) {
+    EXPECT_EQ(to_double("1e400"), kInfinity);
+    EXPECT_EQ(to_double("-1e99999999999999999999"), -kInfinity);
+    EXPECT_EQ(to_double(std::string(400, '9')), kInfinity);
+    EXPECT_EQ(to_double("1e-400"), 0.0);
+    EXPECT_EQ(to_double("1e-99999999999999999999"), 0.0);
+    EXPECT_EQ(to_double("0e99999999999999999999"), 0.0);
+    EXPECT_EQ(to_double("0." + std::string(400, '0') + "1"), 0.0);
+    EXPECT_EQ(to_double("4.9406564584124654e-324"), 4.9406564584124654e-324);
+    EXPECT_EQ(to_double("0." + std::string(400, '0') + "1e400"), 0.1);
+}
+
+TEST(number, random_texts_read_as_strtod_and_strtol_read_them) {
+    std::mt19937 random(20140307);
+    const std::string_view letters = "0123456789012345678901234567890123456789..ee+- ";
+    for (int round = 0; round < 200000; ++round) {
+        std::string text(std::uniform_int_distribution<std::size_t>(0, 14)(random), ' ');
+        for (char& c : text) {
+            c = letters[std::uniform_int_distribution<std::size_t>(0, letters.size() - 1)(random)];
+        }
+        char* end = nullptr;
+        const double expected = std::strtod(text.c_str(), &end);
+        double value = -77.0;
+        const char* read = read_double(text.data(), text.data() + text.size(), value);
+        if (end == text.c_str()) {
+            ASSERT_EQ(read, nullptr) << text;
+        } else {
+            ASSERT_EQ(value, expected) << text;
+            ASSERT_EQ(read - text.data(), end - text.c_str()) << text;
+        }
+        const long integer = std::strtol(text.c_str(), &end, 10);
+        std::int64_t wide = 0;
+        const char* readInteger = read_integer(text.data(), text.data() + text.size(), wide);
+        ASSERT_EQ(readInteger == nullptr, end == text.c_str()) << text;
+        ASSERT_EQ(wide, integer) << text;
+    }
+}
+
+TEST(number, doubles_are_written_as_printf_writes_them) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
+    std::uniform_int_distribution<int> exponent(-12, 12);
+    for (int round = 0; round < 100000; ++round) {
+        const double value = mantissa(random) * std::pow(10.0, exponent(random));
+        char expected[400];
+        std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.6g", value, value, value);
+        std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ';
+        append_general(text, value);
+        ASSERT_EQ(text, expected);
+    }
+    EXPECT_EQ(fixed_text(1e300, 6).size(), 301u + 7u);
+    EXPECT_EQ(fixed_text(-0.0, 2), "-0.00");
+    EXPECT_EQ(fixed_text(kInfinity, 2), "inf");
+    std::string text;
+    append_general(text, 100000.0);
+    append_general(text, 1e6);
+    EXPECT_EQ(text, "1000001e+06");
+}
+
+TEST(number, messages_are_cut_at_255_characters) {
+    EXPECT_EQ(message_text("Invalid: ", -5, ", ", std::size_t{7}), "Invalid: -5, 7");
+    EXPECT_EQ(message_text(std::string(300, 'a'), 1), std::string(255, 'a'));
+}
+
+TEST(word_reader, takes_words_and_numbers_from_left_to_right) {
+    CWordReader words("  M\tNORMAL 15.9x 2\n-3 ");
+    std::string sites;
+    std::string_view position;
+    double mass = 0.0;
+    std::string rest;
+    std::uint64_t count = 0;
+    int last = 0;
+    EXPECT_TRUE(words.Word(sites) && words.Word(position) && words.Read(mass));
+    EXPECT_TRUE(words.Word(rest) && words.Read(count) && words.Read(last));
+    EXPECT_EQ(sites, "M");
+    EXPECT_EQ(position, "NORMAL");
+    EXPECT_EQ(mass, 15.9);
+    EXPECT_EQ(rest, "x");
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(last, -3);
+    EXPECT_FALSE(words.Word(rest));
+    EXPECT_EQ(rest, "x");
+}
+
+TEST(word_reader, after_a_field_that_is_no_number_nothing_is_read) {
+    CWordReader words("1 x 2");
+    int first = 9;
+    int second = 9;
+    int third = 9;
+    EXPECT_TRUE(words.Read(first));
+    EXPECT_FALSE(words.Read(second));
+    EXPECT_FALSE(words.Read(third));
+    EXPECT_FALSE(words.Good());
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 0);
+    EXPECT_EQ(third, 9);
+}
+
+}  // namespace
+}  // namespace tessel

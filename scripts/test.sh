@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Installs what the tests need, builds everything and runs all tests: optimised, and with the address
+# and undefined-behaviour sanitizers. Also compiles the library with clang and for Windows.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scripts/install_packages.sh g++ cmake ninja-build libgtest-dev python3 clang clang-format-14 \
+    g++-mingw-w64-x86-64-posix
+
+echo "== Format =="
+git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run --Werror
+
+for preset in clang windows; do
+    echo "== Build: $preset =="
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -- --quiet
+done
+
+for preset in release sanitize; do
+    echo "== Build and test: $preset =="
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset" -- --quiet
+    ctest --preset "$preset" --parallel "$(nproc)" --quiet --output-log "build/$preset/ctest.log" ||
+        { cat "build/$preset/ctest.log"; exit 1; }
+    tail -n 5 "build/$preset/ctest.log"
+done

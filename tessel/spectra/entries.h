@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tessel/base/message_text.h"
+#include "tessel/base/number.h"
+#include "tessel/condition/constants.h"
+
+namespace tessel {
+
+// What the readers of spectrum files have in common.
+
+/// The entry before which a call for `num` more entries stops.
+inline std::size_t entry_limit(std::size_t total, std::size_t consumed, std::size_t num) {
+    return consumed < total && num < total - consumed ? consumed + num : total;
+}
+
+/// The singly protonated mass of a precursor, Da.
+inline double protonated_mass(double mz, int charge) {
+    const auto protons = static_cast<double>(charge);
+    return protons * mz - (protons - 1.0) * kProtonMass;
+}
+
+/// The fields of a generated title and its ending: stem.scan.scan.charge... Numbers have 32 bits
+/// and a sign.
+inline void append_title_number(std::string& title, std::uint64_t number) {
+    append_integer(title, static_cast<std::int32_t>(number));
+    title += '.';
+}
+
+/// The fault of a file that ends before all its entries were read.
+inline std::string entries_missing(const std::string& path, std::size_t total,
+                                   std::size_t consumed) {
+    return message_text(consumed, " of ", total, " entries read, no more are in ", path);
+}
+
+}  // namespace tessel
