@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "tessel/tessel.h"
@@ -23,20 +24,30 @@ public:
     /// their intensities, sorts them and indexes them by m/z.
     void PreparePeaks(tessel::CSpectrum& spectrum) const;
 
-    /// The hyperscore of a peptide given by the masses of its residues, modifications included.
+    /// The hyperscore, ln(N! * C! * (1 + sum of N intensities) * (1 + sum of C intensities)) over
+    /// the fragments found with the N and with the C terminus, of a peptide given by the masses of
+    /// its residues, modifications included.
     MATCH Score(const tessel::CSpectrum& spectrum, const std::vector<double>& residues) const;
 
 private:
+    // The ion types of one name: one kind of fragment at all its charges.
     struct SERIES {
+        std::string m_strName;
+        std::vector<const tessel::CIonType*> m_vTypes;  // never empty
+    };
+    struct FOUND {
         int m_nIons = 0;
         double m_lfIntensity = 0.0;
     };
 
-    void MatchSeries(const tessel::CSpectrum& spectrum, const tessel::CIonType& type,
-                     const std::vector<double>& residues, SERIES& series) const;
+    void MatchSeries(const tessel::CSpectrum& spectrum, const SERIES& series,
+                     const std::vector<double>& residues, FOUND& found) const;
+    double FragmentIntensity(const tessel::CSpectrum& spectrum, const tessel::CIonType& type,
+                             double residueSum) const;
     double LogFactorial(int number) const;
 
     const tessel::CCondition& m_cCondition;
+    std::vector<SERIES> m_vSeries;
     std::vector<double> m_vLogFactorials;
 };
 
