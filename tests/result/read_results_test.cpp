@@ -710,6 +710,16 @@ TEST_F(read_results, reads_what_a_plain_reader_reads) {
     }
 }
 
+TEST_F(read_results, reads_many_buffers_as_a_plain_reader_does) {
+    std::string text;
+    for (unsigned seed = 1000; seed < 1100; ++seed)
+        text += CRandomFile(seed).Text();
+    ASSERT_GT(text.size(), 2000000U);
+    auto twinMods = m_cCondition.m_mapMods;
+    EXPECT_EQ(Load(text, 1000000).find("Malformed"), std::string::npos);
+    EXPECT_TRUE(described(Results()) == described(twin_load(text, twinMods, 1000000, kInfinity)));
+}
+
 // ---- One peptide of a stream ----
 
 class read_one_pep : public testing::Test {
