@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "tessel/condition/condition.h"
+#include "tessel/platform/file.h"
+#include "tessel/result/result_text.h"
 #include "tests/result/result_records.h"
 #include "tests/support/captured.h"
 #include "tests/support/temp_folder.h"
@@ -452,13 +454,6 @@ TEST_F(read_results, sites_of_255_fit_and_hits_may_fill_many_buffers) {
     EXPECT_EQ(Peps("t")[0].m_ucModNum, 255);
     EXPECT_EQ(Peps("t")[0].m_pMods[254].m_ucPos, 254);
     EXPECT_EQ(Peps("t")[0].m_setProteins.size(), 100000U);
-
-    // Cut off near its end, over many lines: back to the second of them.
-    std::replace(rest.begin(), rest.end(), ' ', '\n');
-    Results().clear();
-    const std::string record = "1 AAK 1 1 1 1\n" + pep_line("CCK") + rest.substr(0, 4) + "\nx\n";
-    EXPECT_EQ(Load(head("t") + record), malformed(3, 3));
-    EXPECT_EQ(sequences(Peps("t")), "CCK");
 }
 
 TEST_F(read_results, huge_malformed_record_gives_back_the_lines_behind_its_first) {
@@ -468,6 +463,21 @@ TEST_F(read_results, huge_malformed_record_gives_back_the_lines_behind_its_first
     EXPECT_EQ(Load(text + '\n' + pep_line("CCK")), malformed(1, 3));
     EXPECT_EQ(sequences(Peps("t")), "CCK");
     EXPECT_EQ(Load(text), malformed(1, 3));
+}
+
+TEST_F(read_results, lines_that_a_malformed_record_took_for_hits_are_read_again) {
+    // Every token of these lines is a hit, and every line is a complete record.
+    constexpr std::size_t kLines = 5000;
+    std::string line;
+    for (int field = 1; field <= 25; ++field)
+        line += field == 7 || field == 11 ? " 0;0;a;b" : " 1;2;a;b";
+    std::string lines;
+    for (std::size_t i = 0; i < kLines; ++i)
+        lines += line + '\n';
+    ASSERT_GT(lines.size(), 900000U);
+    EXPECT_EQ(Load(head("t") + "1 AAK 1 1 1 1 0 0 0 0 2147483647\n" + lines + "x\n", kLines + 1),
+              malformed(2, 3));
+    EXPECT_EQ(Peps("t").size(), kLines);
 }
 
 TEST_F(read_results, token_longer_than_the_line_buffer_is_cut_there) {
@@ -718,6 +728,23 @@ TEST_F(read_results, reads_many_buffers_as_a_plain_reader_does) {
     auto twinMods = m_cCondition.m_mapMods;
     EXPECT_EQ(Load(text, 1000000).find("Malformed"), std::string::npos);
     EXPECT_TRUE(described(Results()) == described(twin_load(text, twinMods, 1000000, kInfinity)));
+}
+
+TEST(result_text, lines_are_counted_anew_behind_a_record_that_is_left) {
+    const test::CTempFolder folder;
+    const FilePtr file = open_file(folder.Write("text", "a\nb c\n\nd\ne"), "rb");
+    CResultText text(file.get());
+    std::string_view token;
+    for (const int line : {1, 2, 4, 5}) {
+        ASSERT_TRUE(text.NextRecord(token));
+        EXPECT_EQ(text.RecordLine(), static_cast<unsigned>(line));
+        while (text.Token(token)) {
+        }
+        text.LeaveRecord();
+    }
+    EXPECT_FALSE(text.NextRecord(token));
+    EXPECT_FALSE(text.LinePiece(token));
+    EXPECT_FALSE(text.Failed());
 }
 
 // ---- One peptide of a stream ----
