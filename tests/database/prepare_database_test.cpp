@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "tessel/condition/condition.h"
+#include "tessel/condition/utilities.h"
 #include "tessel/platform/file.h"
 #include "tests/support/captured.h"
 #include "tests/support/temp_folder.h"
@@ -414,12 +415,13 @@ TEST_F(prepare_database, conditions_may_prepare_one_database_at_once) {
     m_cFolder.Write("db.fasta", large_database(3000));
     m_cCondition.SetFastaPath();
     const std::string expected = m_cFolder.Read("db.fasta_td.fasta");
-    for (int round = 0; round < 5; ++round) {
+    for (int delay = 0; delay < 25; delay += 5) {
         fs::remove(Target());
         std::atomic<int> complete{0};
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
+            threads.emplace_back([&, i] {
+                TSleep(i * delay);
                 CCondition condition;
                 condition.m_strFastaPath = m_cCondition.m_strFastaPath;
                 condition.SetFastaPath();
