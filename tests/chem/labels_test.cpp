@@ -73,7 +73,7 @@ public:
 };
 
 TEST(label, empty_value_and_none_change_nothing) {
-    for (const char* definition : {"", "none", "none\r", "\r"}) {
+    for (const char* definition : {"", "none", "none\r", "\r", "no\rne", "none\r\r"}) {
         const CLabel label(definition);
         EXPECT_TRUE(label.Residues().empty()) << definition;
         EXPECT_TRUE(label.Mods().empty()) << definition;
@@ -176,6 +176,8 @@ TEST(label, unknown_kind_ends_the_process) {
     EXPECT_ENDS_PROCESS(CLabel("R:K{C,13C};R:R{C,13C}"), "", "unknown label type!\n");
     EXPECT_ENDS_PROCESS(CLabel("r"), "", "unknown label type!\n");
     EXPECT_ENDS_PROCESS(CLabel("None"), "", "unknown label type!\n");
+    // Only the first carriage return is passed over.
+    EXPECT_ENDS_PROCESS(CLabel("n\ro\rne"), "", "unknown label type!\n");
     EXPECT_ENDS_PROCESS(CLabel("none "), "", "unknown label type!\n");
 }
 
