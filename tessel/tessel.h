@@ -24,3 +24,5 @@
 #include "tessel/spectra/input.h"
 #include "tessel/spectra/mgf_input.h"
 #include "tessel/spectra/spectrum.h"
+#include "tessel/spectra/zb_input.h"
+#include "tessel/spectra/zbs_input.h"
