@@ -104,7 +104,7 @@ TEST(temporary_tables, default_method_writes_one_unlabelled_pair) {
     std::string residues = "label_name=None\n@NUMBER_RESIDUE=26\n";
     for (int k = 1; k <= 26; ++k) {
         const char letter = "ABCDEFGHIJKLMNOPQRSTUVWXYZ"[k - 1];
-        residues += "R" + std::to_string(k) + "=" + letter + "|";
+        residues.append("R").append(std::to_string(k)).append("=").append(1, letter).append("|");
         residues += letter == 'K' ? "C(6)H(12)N(2)O(1)" : letter == 'G' ? "C(2)H(3)N(1)O(1)" : "";
         residues += "|\n";
     }
@@ -211,7 +211,7 @@ TEST(temporary_tables, flags_up_to_99_survive) {
     condition.m_strOutputPath = chemistry.m_cFolder.Path() + '\\';
     for (const int flag : {0, 1, 9, 10, 99, 100}) {
         condition.m_vMods.emplace_back();
-        condition.m_vMods.back().m_strName = "m" + std::to_string(flag);
+        condition.m_vMods.back().m_strName = std::to_string(flag);
         condition.m_vMods.back().m_strSites = "K";
         condition.m_vMods.back().m_nFlag = flag;
     }
