@@ -563,6 +563,15 @@ TEST(second_mod_list, adds_a_second_placeholder_and_rebuilds_the_shifts) {
     EXPECT_EQ(tables.m_cCondition.m_vDeltaMods.size(), 1u);
 }
 
+TEST(second_mod_list, forgets_the_names_of_the_table_before) {
+    CTables tables({modification("A", 1.0)});
+    tables.Select("", "A");
+    tables.m_cCondition.m_vMods = {modification("B", 1.0)};
+    EXPECT_EQ(tables.Select("", "A"), warning("ignore the modification: A"));
+    EXPECT_EQ(tables.m_cCondition.m_mapMods.size(), 2u);  // B and the placeholder
+    EXPECT_EQ(tables.Slot('K'), Names());
+}
+
 // ---- Learn file ----
 
 const std::vector<CMod> kCommon = {modification("Oxidation[M]", 16.0, "M"),

@@ -157,7 +157,7 @@ TEST(fasta_parser, counting_leaves_the_stream_at_the_first_entry) {
 
 TEST(fasta_parser, reading_without_counting_begins_at_the_first_entry) {
     const test::CTempFolder folder;
-    for (const char* before : {"", "\xEF\xBB\xBF", "text\n"}) {
+    for (const char* before : {"", "\xEF\xBB\xBF", "text\n", "text\n\xEF\xBB\xBF>P0\n"}) {
         const std::string path = folder.Write("db.fasta", before + std::string(">P1 x\nAC\n"));
         std::ifstream stream(path, std::ios::binary);
         CFastaParser parser;
