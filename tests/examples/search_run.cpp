@@ -95,7 +95,7 @@ double peptide_mass(std::string_view sequence, const Shifts& shifts) {
 }
 
 std::string perfect_spectrum(const std::string& title, std::string_view sequence,
-                             const Shifts& shifts) {
+                             const Shifts& shifts, double error) {
     const double mass = peptide_mass(sequence, shifts);
     std::map<double, double> peaks;
     double begin = 0.0;
@@ -112,7 +112,7 @@ std::string perfect_spectrum(const std::string& title, std::string_view sequence
     block << "BEGIN IONS\nTITLE=" << title << "\nCHARGE=2+\nPEPMASS=" << (mass + kProton) / 2.0
           << '\n';
     for (const auto& [mz, intensity] : peaks)
-        block << mz << ' ' << intensity << '\n';
+        block << mz + error << ' ' << intensity << '\n';
     block << "END IONS\n";
     return block.str();
 }
@@ -152,8 +152,8 @@ ENDED CSearchRun::Run() const {
 }
 
 ENDED CSearchRun::RunWith(const std::string& words) const {
-    const std::string command = "cd '" + m_cFolder.Path() + "' && '" TESSEL_CLOSED_SEARCH "' " +
-                                words + " >output.txt 2>errors.txt; echo $? >status.txt";
+    const std::string command = "cd '" + m_cFolder.Path() + "' && '" CLOSED_SEARCH "' " + words +
+                                " >output.txt 2>errors.txt; echo $? >status.txt";
     if (std::system(command.c_str()) != 0) throw std::runtime_error("no shell for " + command);
     return {std::stoi(read_file(m_cFolder.Path() + "/status.txt")), m_cFolder.Read("output.txt"),
             m_cFolder.Read("errors.txt")};

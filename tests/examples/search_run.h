@@ -45,9 +45,10 @@ using Shifts = std::map<std::size_t, double>;
 
 /// MH+ of a peptide, from residue masses of its own.
 double peptide_mass(std::string_view sequence, const Shifts& shifts = {});
-/// An MGF block with the precursor at charge 2 and every singly charged b and y ion.
+/// An MGF block with the precursor at charge 2 and every singly charged b and y ion, their m/z off
+/// by `error`.
 std::string perfect_spectrum(const std::string& title, std::string_view sequence,
-                             const Shifts& shifts = {});
+                             const Shifts& shifts = {}, double error = 0.0);
 
 /// A folder with all that closed_search needs: the default tables, "db.fasta", "spectra.mgf" and a
 /// parameter file of the settings below.
