@@ -590,6 +590,42 @@ TEST(closed_search, batch_of_no_spectra_ends_the_run) {
     EXPECT_EQ(run.Run().m_nStatus, 0);
 }
 
+TEST(closed_search, result_does_not_depend_on_the_format_of_the_spectra) {
+    CSearchRun run;
+    use_ecoli_spectra(run);
+    run.m_cFolder.Write("db.fasta", ecoli_part(600));
+    ASSERT_EQ(run.Run().m_nStatus, 0);
+    const std::string result = run.m_cFolder.Read("out.final.txt");
+
+    // The same spectra as one file and as two.
+    const std::string all = run.m_cFolder.Read("spectra.mgf");
+    const std::size_t middle = all.find("BEGIN IONS", all.size() / 2);
+    run.m_cFolder.Write("first.mgf", all.substr(0, middle));
+    run.m_cFolder.Write("second.mgf", all.substr(middle));
+    for (const std::string name : {"spectra", "first", "second"}) {
+        const std::string words = name + ".mgf " + name + ".zb2 Ecoli_MS2_small";
+        ASSERT_EQ(run.RunWith(words, MGF_TO_ZB2).m_nStatus, 0) << name;
+    }
+    run.m_cFolder.Write("list.zbs", "first.zb2\nsecond.zb2\n");
+
+    struct {
+        const char* type;
+        const char* path;
+        const char* spectraOfBatch;
+    } rows[] = {{"ZB2", "spectra.zb2", "10000"},
+                {"ZB2", "spectra.zb2", "30"},
+                {"ZBS", "list.zbs", "10000"},
+                {"ZBS", "list.zbs", "100"}};
+    for (const auto& row : rows) {
+        run.m_mapSettings["msmstype"] = row.type;
+        run.m_mapSettings["msmspath1"] = row.path;
+        run.m_mapSettings["maxspec"] = row.spectraOfBatch;
+        ASSERT_EQ(run.Run().m_nStatus, 0) << row.type;
+        EXPECT_TRUE(run.m_cFolder.Read("out.final.txt") == result)
+            << row.type << ' ' << row.spectraOfBatch;
+    }
+}
+
 TEST(closed_search, ecoli_spectra_are_identified) {
     CSearchRun run;
     use_ecoli_spectra(run);

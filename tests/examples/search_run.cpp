@@ -1,4 +1,4 @@
-// Runs closed_search as a user would, in a folder of its own, and reads what it wrote.
+// Runs a program as a user would, in a folder of its own, and reads what it wrote.
 
 #include "tests/examples/search_run.h"
 
@@ -140,7 +140,7 @@ CSearchRun::CSearchRun()
     }
 }
 
-ENDED CSearchRun::Run() const {
+ENDED CSearchRun::Run(const std::string& program) const {
     // Keys are found from their section to the end of the file, so one section would not do.
     std::string text;
     for (const char* section : {"param", "file", "datalist", "engine", "filter", "quant", "system"})
@@ -148,11 +148,11 @@ ENDED CSearchRun::Run() const {
     for (const auto& [key, value] : m_mapSettings)
         text += key + '=' + value + '\n';
     m_cFolder.Write("search.param", text);
-    return RunWith("search.param");
+    return RunWith("search.param", program);
 }
 
-ENDED CSearchRun::RunWith(const std::string& words) const {
-    const std::string command = "cd '" + m_cFolder.Path() + "' && '" CLOSED_SEARCH "' " + words +
+ENDED CSearchRun::RunWith(const std::string& words, const std::string& program) const {
+    const std::string command = "cd '" + m_cFolder.Path() + "' && '" + program + "' " + words +
                                 " >output.txt 2>errors.txt; echo $? >status.txt";
     if (std::system(command.c_str()) != 0) throw std::runtime_error("no shell for " + command);
     return {std::stoi(read_file(m_cFolder.Path() + "/status.txt")), m_cFolder.Read("output.txt"),

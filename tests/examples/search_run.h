@@ -56,10 +56,11 @@ class CSearchRun {
 public:
     CSearchRun();
 
-    /// Writes the parameter file and starts closed_search in the folder.
-    ENDED Run() const;
-    /// Starts closed_search with these words behind it.
-    ENDED RunWith(const std::string& words) const;
+    /// Writes the parameter file and starts closed_search, or another program, with it in the
+    /// folder.
+    ENDED Run(const std::string& program = CLOSED_SEARCH) const;
+    /// Starts a program in the folder with these words behind it.
+    ENDED RunWith(const std::string& words, const std::string& program = CLOSED_SEARCH) const;
     /// Runs and reads the final result; a failed run gives none.
     std::vector<RESULT_BLOCK> Search() const;
     /// The sequence of the first candidate of the first spectrum, or nothing.
