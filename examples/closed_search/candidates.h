@@ -9,11 +9,11 @@ namespace closed_search {
 
 /// The best candidates of one spectrum, each once.
 ///
-/// Which candidates stay must not depend on the order in which they arrive, because that changes
-/// with the size of the batches. They are therefore ranked by what a later copy cannot change:
-/// score, sequence (with I read as L if the two count as one) and sites. Whether a candidate is a
-/// target, its proteins and, of sequences that differ in I and L, the one to write are found by
-/// merging the copies.
+/// Which candidates stay does not depend on the order in which they arrive, so that proteins may be
+/// searched in any order. They are therefore ranked by what a later copy cannot change: score,
+/// sequence (with I read as L if the two count as one) and sites. Whether a candidate is a target,
+/// its proteins and, of sequences that differ in I and L, the one to write are found by merging the
+/// copies. A candidate that had to go cannot come back.
 class CCandidates {
 public:
     /// False when a candidate with this score is certain not to stay.

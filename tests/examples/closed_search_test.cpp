@@ -523,6 +523,29 @@ TEST(closed_search, peptide_of_a_target_and_a_decoy_is_a_target) {
     EXPECT_EQ(first_row(run).m_nDecoy, 1);
 }
 
+TEST(closed_search, candidates_do_not_depend_on_the_order_of_the_proteins) {
+    // Without the outermost fragments the order of G and H is open.
+    std::string spectrum = perfect_spectrum("a.1.1.2.0.dta", "GHLDAFPVK");
+    const std::size_t last = spectrum.rfind('\n', spectrum.find("\nEND") - 1);
+    spectrum.erase(last, spectrum.find("\nEND") - last);
+    const std::size_t first = spectrum.find("\n58.");
+    spectrum.erase(first, spectrum.find('\n', first + 1) - first);
+    CSearchRun run;
+    run.m_cFolder.Write("spectra.mgf", spectrum);
+    std::vector<std::string> proteins{">P1\nAAAKGHLDAFPVK\n", ">P2\nAAAKHGLDAFPVK\n",
+                                      ">REV_P3\nAAAKGHIDAFPVK\n"};
+    run.m_cFolder.Write("db.fasta", proteins[0] + proteins[1]);
+    ASSERT_EQ(run.Search().at(0).m_vRows.at(1).m_nRank, 1);
+    run.m_mapSettings["temppepnum"] = "1";
+    do {
+        run.m_cFolder.Write("db.fasta", proteins[0] + proteins[1] + proteins[2]);
+        const RESULT_ROW row = first_row(run);
+        EXPECT_EQ(row.m_strSequence, "GHLDAFPVK");
+        EXPECT_EQ(row.m_nDecoy, 0);
+        EXPECT_EQ(row.m_vHits.size(), 2U);
+    } while (std::next_permutation(proteins.begin(), proteins.end()));
+}
+
 TEST(closed_search, decoys_of_the_target_decoy_database_are_known) {
     CSearchRun run;
     run.m_cFolder.Write("db.fasta", database("AAAKRQYESTLWK"));
@@ -547,8 +570,11 @@ TEST(closed_search, protein_with_a_peptide_twice_is_hit_where_it_comes_first) {
 TEST(closed_search, result_does_not_depend_on_the_size_of_the_batches) {
     CSearchRun run;
     use_ecoli_spectra(run);
-    run.m_cFolder.Write("db.fasta", ecoli_part(150));
-    run.m_mapSettings["selectmod"] = "Oxidation[M];Deamidated[N];Acetyl[ProteinN-term];";
+    // Few proteins but a wide tolerance, for many candidates in a short time.
+    run.m_cFolder.Write("db.fasta", ecoli_part(15));
+    run.m_mapSettings["mstol"] = "1";
+    run.m_mapSettings["mstolppm"] = "0";
+    run.m_mapSettings["selectmod"] = "Oxidation[M];Acetyl[ProteinN-term];";
     for (const char* kept : {"50", "2"}) {
         run.m_mapSettings["temppepnum"] = kept;
         run.m_mapSettings["maxspec"] = "10000";
@@ -557,8 +583,8 @@ TEST(closed_search, result_does_not_depend_on_the_size_of_the_batches) {
         const std::string whole = run.m_cFolder.Read("out.final.txt");
         ASSERT_EQ(read_results(whole).size(), 139U);
         for (const auto& [spectra, residues] :
-             {std::pair("1", "1000000"), std::pair("10", "1"), std::pair("138", "3000"),
-              std::pair("139", "40000"), std::pair("1000", "-1")}) {
+             {std::pair("1", "1000000"), std::pair("10", "1"), std::pair("138", "300"),
+              std::pair("139", "4000"), std::pair("1000", "-1")}) {
             run.m_mapSettings["maxspec"] = spectra;
             run.m_mapSettings["maxprolen"] = residues;
             ASSERT_EQ(run.Run().m_nStatus, 0);
