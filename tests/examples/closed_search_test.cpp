@@ -200,6 +200,7 @@ TEST(closed_search, result_holds_the_fields_of_the_engine) {
     EXPECT_EQ(row.m_lfQValue, 0.0);
     EXPECT_EQ(row.m_nDecoy, 0);
     EXPECT_EQ(row.m_vHits, std::vector<std::string>{"1;10;K;G"});
+    EXPECT_EQ(row.m_vSubScores, (std::vector<double>{7.0, 7.0, 1.0, 0.0, 0.0}));
 }
 
 TEST(closed_search, peptides_at_the_ends_of_a_protein_have_no_neighbour) {
@@ -300,11 +301,48 @@ TEST(closed_search, fragment_tolerance_is_obeyed) {
     }
 }
 
+TEST(closed_search, large_fragments_of_highly_charged_precursors_have_several_charges) {
+    const std::string peptide = "WLTSEYQRGHLDAFPVKNTYELSDGR";
+    const double proton = 1.00727647;
+    // Doubly charged b and y ions alone.
+    std::vector<double> peaks;
+    for (std::size_t i = 1; i < peptide.size(); ++i) {
+        peaks.push_back((peptide_mass(peptide.substr(0, i)) - 18.0105647 + proton) / 2.0);
+        peaks.push_back((peptide_mass(peptide.substr(i)) + proton) / 2.0);
+    }
+    std::sort(peaks.begin(), peaks.end());
+    const auto large =
+        std::count_if(peaks.begin(), peaks.end(), [](double mz) { return mz >= 400.0; });
+
+    CSearchRun run;
+    run.m_cFolder.Write("db.fasta", database(kProtein));
+    run.m_mapSettings["msmstol"] = "0.001";
+    for (const int charge : {2, 3}) {
+        std::ostringstream spectrum;
+        spectrum.precision(9);
+        spectrum << "BEGIN IONS\nTITLE=a.1.1.0.0.dta\nCHARGE=" << charge
+                 << "+\nPEPMASS=" << (peptide_mass(peptide) + (charge - 1) * proton) / charge
+                 << '\n';
+        for (const double mz : peaks)
+            spectrum << mz << " 100\n";
+        spectrum << "END IONS\n";
+        run.m_cFolder.Write("spectra.mgf", spectrum.str());
+        if (charge == 2) {
+            EXPECT_EQ(run.FirstSequence(), "");
+        } else {
+            const RESULT_ROW row = first_row(run);
+            ASSERT_EQ(row.m_strSequence, peptide);
+            EXPECT_EQ(row.m_vSubScores[0] + row.m_vSubScores[1], static_cast<double>(large));
+        }
+    }
+}
+
 TEST(closed_search, letters_without_a_mass_are_in_no_peptide) {
     CSearchRun run;
     run.m_mapSettings["digest"] = "0";
     for (const char* letter : {"X", "B", "Z", "J", "*", "a", "-"}) {
-        run.m_cFolder.Write("db.fasta", database("GHLDAFPVK" + std::string(letter) + kProtein));
+        run.m_cFolder.Write("db.fasta",
+                            database(kProtein + "WLTS" + letter + "EYQR" + letter + "WLTSEYQR"));
         run.m_cFolder.Write("spectra.mgf", perfect_spectrum("a.1.1.2.0.dta", "WLTSEYQR"));
         const std::vector<RESULT_BLOCK> blocks = run.Search();
         ASSERT_EQ(blocks.size(), 1U) << letter;
@@ -485,8 +523,15 @@ TEST(closed_search, forms_of_a_peptide_are_bounded) {
                                                         {{7, 79.966331}}));
     run.m_mapSettings["selectmod"] = "Phospho[S];";
     run.m_mapSettings["maxmod"] = "20";
+    EXPECT_EQ(first_row(run).m_vSites, (Sites{{7, "Phospho[S]"}}));
+    // More than 4000 forms have three.
+    run.m_cFolder.Write("spectra.mgf",
+                        perfect_spectrum("a.1.1.2.0.dta", std::string(30, 'S') + "K",
+                                         {{28, 79.966331}, {29, 79.966331}, {30, 79.966331}}));
+    run.m_mapSettings["maxmod"] = "3";
     const RESULT_ROW row = first_row(run);
-    EXPECT_EQ(row.m_vSites, (Sites{{7, "Phospho[S]"}}));
+    EXPECT_EQ(row.m_vSites.size(), 3U);
+    EXPECT_NE(row.m_vSites, (Sites{{28, "Phospho[S]"}, {29, "Phospho[S]"}, {30, "Phospho[S]"}}));
 }
 
 // ---- Merged candidates ----
@@ -597,14 +642,18 @@ TEST(closed_search, spectra_that_share_a_title_do_not_depend_on_the_size_of_the_
     CSearchRun run;
     run.m_cFolder.Write("db.fasta", database(kProtein));
     run.m_cFolder.Write("spectra.mgf", perfect_spectrum("same", "WLTSEYQR") +
-                                           perfect_spectrum("other", "NTYELSDGR") +
-                                           perfect_spectrum("same", "GHLDAFPVK"));
-    ASSERT_EQ(run.Run().m_nStatus, 0);
-    const std::string whole = run.m_cFolder.Read("out.final.txt");
-    for (const char* spectra : {"1", "2"}) {
-        run.m_mapSettings["maxspec"] = spectra;
+                                           perfect_spectrum("same", "GHLDAFPVK") +
+                                           perfect_spectrum("other", "NTYELSDGR"));
+    for (const char* ranks : {"10", "1"}) {
+        run.m_mapSettings["pepnum"] = ranks;
+        run.m_mapSettings["maxspec"] = "3";
         ASSERT_EQ(run.Run().m_nStatus, 0);
-        EXPECT_EQ(run.m_cFolder.Read("out.final.txt"), whole) << spectra;
+        const std::string whole = run.m_cFolder.Read("out.final.txt");
+        for (const char* spectra : {"1", "2"}) {
+            run.m_mapSettings["maxspec"] = spectra;
+            ASSERT_EQ(run.Run().m_nStatus, 0);
+            EXPECT_EQ(run.m_cFolder.Read("out.final.txt"), whole) << ranks << ' ' << spectra;
+        }
     }
 }
 

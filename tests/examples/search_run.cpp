@@ -56,10 +56,13 @@ RESULT_ROW read_row(const std::string& line) {
         fields >> hit;
         row.m_vHits.push_back(hit);
     }
-    double number = 0.0;
-    for (int i = 0; i < 14; ++i)
-        fields >> number;
-    if (!fields || fields >> number) throw std::runtime_error("bad result line: " + line);
+    fields >> ignored;
+    row.m_vSubScores.resize(5);
+    for (double& score : row.m_vSubScores)
+        fields >> score;
+    for (int i = 0; i < 8; ++i)
+        fields >> ignored;
+    if (!fields || fields >> ignored) throw std::runtime_error("bad result line: " + line);
     return row;
 }
 

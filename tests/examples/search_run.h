@@ -29,6 +29,7 @@ struct RESULT_ROW {
     std::vector<std::pair<int, std::string>> m_vSites;
     int m_nDecoy = 0;
     std::vector<std::string> m_vHits;
+    std::vector<double> m_vSubScores;
 };
 
 /// A spectrum of a result file.
