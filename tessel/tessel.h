@@ -12,6 +12,7 @@
 #include "tessel/database/fasta_parser.h"
 #include "tessel/database/protein.h"
 #include "tessel/param/condition_reader.h"
+#include "tessel/param/condition_writer.h"
 #include "tessel/param/option_tool.h"
 #include "tessel/result/pep_res.h"
 #include "tessel/result/pro_info.h"
@@ -24,3 +25,5 @@
 #include "tessel/spectra/input.h"
 #include "tessel/spectra/mgf_input.h"
 #include "tessel/spectra/spectrum.h"
+#include "tessel/spectra/zb_input.h"
+#include "tessel/spectra/zbs_input.h"

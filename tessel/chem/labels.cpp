@@ -1,12 +1,15 @@
 // Quantitation labels: the method setting and "quant.ini" come in, the names of the labels and the
-// element replacements of one label are filled.
+// element replacements of one label are filled. With these, residues and modifications are
+// relabelled for the temporary tables of the label.
 
 #include <algorithm>
 #include <iostream>
 
 #include "tessel/base/end_process.h"
 #include "tessel/base/line_reader.h"
+#include "tessel/base/message_text.h"
 #include "tessel/base/text.h"
+#include "tessel/chem/composition.h"
 #include "tessel/chem/residues.h"
 #include "tessel/condition/condition.h"
 #include "tessel/platform/file.h"
@@ -59,6 +62,27 @@ bool find_label(const std::string& label, std::string& value) {
     return false;
 }
 
+bool has_groups(const std::string& composition) {
+    bool found = false;
+    visit_composition(composition, [&found](std::string_view, std::string_view) { found = true; });
+    return found;
+}
+
+// From one residue to another, such as "Ala->Ser[A]". A table of a label holds these only where the
+// label changes them.
+bool is_conversion(const CMod& mod) {
+    const std::string& name = mod.m_strName;
+    return name.size() == 11 && name.compare(3, 2, "->") == 0 && has_groups(mod.m_strComposition);
+}
+
+// The composition in this label; empty when the label does not name the modification.
+WEIGHED relabelled(const CMod& mod, const std::map<std::string, Replacements>& labels,
+                   ElementMasses& masses) {
+    const auto found = labels.find(mod.m_strName);
+    if (found == labels.end()) return {};
+    return weigh(mod.m_strComposition, masses, &found->second);
+}
+
 }  // namespace
 
 void CCondition::ParseQuantMethod() {
@@ -92,6 +116,38 @@ void CCondition::ReadLabelInfo(const std::string& label) {
             m_mapModLabel[item.m_strTarget][item.m_strElement] = item.m_strReplacement;
         }
     }
+}
+
+void CCondition::GenTmpAA(const std::size_t& labelIndex) {
+    read_residues(m_strAAPath, [this](char letter, std::string_view composition) {
+        const WEIGHED weighed = weigh(composition, m_mapElementMass, &m_mapAALabel[letter]);
+        define_residue(m_cAlphaBet, letter, weighed);
+        const std::string_view name(&letter, 1);
+        Message(message_text(name, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
+    });
+    WriteAA(labelIndex);
+}
+
+void CCondition::GenTmpMod(const std::size_t& labelIndex) {
+    std::vector<CMod> mods;
+    const auto add = [&](const CMod& mod, int labelNumber) -> CMod& {
+        mods.push_back(mod);
+        mods.back().m_strName = _get_labeled_mod_name(mod.m_strName, labelNumber);
+        return mods.back();
+    };
+    for (const CMod& mod : m_vMods) {
+        const WEIGHED heavy = relabelled(mod, m_mapModLabel, m_mapElementMass);
+        if (heavy.m_bReplaced) {
+            CMod& labelled = add(mod, static_cast<int>(labelIndex) + 1);
+            labelled.m_lfMass = heavy.m_lfMass;
+            labelled.m_strComposition = heavy.m_strComposition;
+        }
+        // Where a labelled atom leaves, a light one cannot.
+        if (!heavy.m_bReplacedLeaves && !is_conversion(mod)) add(mod, 0);
+    }
+    DropModAddresses();
+    m_vMods = std::move(mods);
+    WriteMod(labelIndex);
 }
 
 }  // namespace tessel

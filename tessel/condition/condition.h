@@ -216,6 +216,38 @@ public:
     /// working folder. A label without a definition ends the process with status 1, and so does an
     /// item that is neither of residues nor of modifications.
     void ReadLabelInfo(const std::string& label);
+    /// Reads the residues of m_strAAPath into m_cAlphaBet with the elements that m_mapAALabel
+    /// replaces, and writes them by WriteAA(). Needs ReadElementInfo() and ReadLabelInfo().
+    void GenTmpAA(const std::size_t& labelIndex);
+    /// Replaces m_vMods by its labelled and unlabelled forms and writes them by WriteMod(). A
+    /// modification in which m_mapModLabel replaces an element gets a form with the label's number
+    /// (labelIndex + 1) and the mass of its new composition; all others, and it too, stay as form
+    /// #0. Without form #0 are those that lose a replaced element, and conversions of one residue
+    /// into another (11 characters such as "Ala->Ser[A]"). Needs ReadMod() and ReadLabelInfo();
+    /// selections are stale until CreateModList() has run.
+    void GenTmpMod(const std::size_t& labelIndex);
+
+    // ---- Temporary tables: chem/temporary_tables.cpp ----
+
+    /// Writes the tables of every label for the worker processes; returns the number of labels.
+    /// Needs ParseQuantMethod(). Afterwards m_cAlphaBet and m_vMods are those of the last label,
+    /// and no selection holds before ReLoadAllMods(). A table that cannot be written is an alert.
+    std::size_t WriteConfFiles();
+    /// Makes m_vMods of the modification files that WriteConfFiles() has written, of equal names
+    /// the first, and runs CreateModList(). m_strModPath is left at the last of the files. A
+    /// missing file ends the process with status 1.
+    void ReLoadAllMods();
+    /// Amino-acid table of a label: output path + number + ".aa". The first label, index 0, has
+    /// number 1. No separator is added to the output path.
+    std::string GetTmpAAPath(const std::size_t& labelIndex) const;
+    /// Modification table of a label: likewise with ".mod".
+    std::string GetTmpModPath(const std::size_t& labelIndex) const;
+    /// Writes m_cAlphaBet, all 26 letters, as amino-acid table of a label. Letters that were never
+    /// defined have no composition. A file that cannot be written is an alert.
+    void WriteAA(const std::size_t& labelIndex) const;
+    /// Writes m_vMods as modification table of a label. m_nFlag survives from 0 to 99. A file that
+    /// cannot be written is an alert.
+    void WriteMod(const std::size_t& labelIndex) const;
 
     // ---- Modification combinations: space/mod_combinations.cpp ----
 

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 
+#include "tessel/base/message_text.h"
 #include "tessel/condition/condition.h"
 #include "tessel/spectra/mgf_input.h"
+#include "tessel/spectra/zb_input.h"
+#include "tessel/spectra/zbs_input.h"
 
 namespace tessel {
 namespace {
@@ -14,7 +17,25 @@ constexpr double kMaxMass = 20000.0;
 
 std::unique_ptr<CInput> make_reader(const std::string& type) {
     if (type == "MGF") return std::make_unique<CMGFInput>();
-    return nullptr;
+    if (type == "ZBS") return std::make_unique<CZBSInput>();
+    return std::make_unique<CZBInput>();
+}
+
+// Whether a call that read so few entries shows that no later one will read more: a file ends
+// before the entries that it claims, or the batches are too small for the next file of a list.
+// That one is tried twice, for the batch size may change.
+bool comes_to_nothing(const CInput& reader, std::size_t read, std::size_t expected) {
+    if (const auto* list = dynamic_cast<const CZBSInput*>(&reader)) return list->StalledCalls() > 1;
+    return read < std::max<std::size_t>(expected, 1);
+}
+
+// What is wrong when a list yields nothing, told the first time; otherwise empty.
+std::string stall_text(const CInput& reader, std::size_t maxSpec) {
+    const auto* list = dynamic_cast<const CZBSInput*>(&reader);
+    if (list == nullptr || list->StalledCalls() != 1) return std::string();
+    const std::size_t file = list->m_tFileIdx;
+    return message_text("maxspec ", maxSpec, " is less than the ", list->m_vFileSpecNum[file],
+                        " entries of ", list->m_vFiles[file]);
 }
 
 void drop_implausible(std::vector<CSpectrum>& spectra) {
@@ -23,17 +44,21 @@ void drop_implausible(std::vector<CSpectrum>& spectra) {
     });
 }
 
+struct MASS_RANGE {
+    double m_lfLower;
+    double m_lfUpper;
+};
+
 // The peptide masses from which a mass shift of at most `maxDelta` around `center` leads to one of
 // the spectra.
-void find_mass_range(const std::vector<CSpectrum>& spectra, double maxDelta, double center,
-                     double& lower, double& upper) {
-    lower = 1e9;
-    upper = -1e9;
+MASS_RANGE mass_range(const std::vector<CSpectrum>& spectra, double maxDelta, double center) {
+    MASS_RANGE range{1e9, -1e9};
     for (const CSpectrum& spectrum : spectra) {
         const double mass = spectrum.m_lfMH - center;
-        lower = std::min(lower, mass - maxDelta);
-        upper = std::max(upper, mass + maxDelta);
+        range.m_lfLower = std::min(range.m_lfLower, mass - maxDelta);
+        range.m_lfUpper = std::max(range.m_lfUpper, mass + maxDelta);
     }
+    return range;
 }
 
 }  // namespace
@@ -42,35 +67,34 @@ bool CCondition::LoadSpectra(bool bAll) {
     std::vector<CSpectrum>().swap(m_vSpectra);  // a batch may be large: give its memory back
     if (!m_pSpecReader) {
         m_pSpecReader = make_reader(m_strMSMSType);
-        if (!m_pSpecReader) {
-            Message("Spectrum files of type " + m_strMSMSType + " cannot be read", LOG_ALERT);
-            return false;
-        }
         m_tTotalSpec = m_pSpecReader->Count(m_strMSMSPath);
         m_tLoadedSpec = 0;
         m_tBatchNo = 0;
     }
 
     const std::size_t wanted = bAll ? m_tTotalSpec : m_nMaxSpec;
-    const std::size_t remaining = m_tTotalSpec - m_tLoadedSpec;
+    const std::size_t expected = std::min(wanted, m_tTotalSpec - m_tLoadedSpec);
     const std::size_t read = m_pSpecReader->Browse(m_vSpectra, wanted);
-    for (const std::string& fault : m_pSpecReader->TakeFaults())
-        Message("Spectrum file of type " + m_strMSMSType + ": " + fault, LOG_ALERT);
     m_tLoadedSpec += read;
     m_tBatchNo += 1;
+    const auto report = [this](const std::string& fault) {
+        Message("Spectrum file of type " + m_strMSMSType + ": " + fault, LOG_ALERT);
+    };
+    for (const std::string& fault : m_pSpecReader->TakeFaults())
+        report(fault);
+    const std::string stall = stall_text(*m_pSpecReader, m_nMaxSpec);
+    if (!stall.empty()) report(stall);
 
     drop_implausible(m_vSpectra);
     if (!m_vSpectra.empty()) {
-        double lower;
-        double upper;
-        find_mass_range(m_vSpectra, m_lfMaxDelta, m_lfCenter, lower, upper);
-        m_lfBatchMassLower = std::max(lower, m_lfMassLower);
-        m_lfBatchMassUpper = std::min(upper, m_lfMassUpper);
+        const MASS_RANGE range = mass_range(m_vSpectra, m_lfMaxDelta, m_lfCenter);
+        m_lfBatchMassLower = std::max(range.m_lfLower, m_lfMassLower);
+        m_lfBatchMassUpper = std::min(range.m_lfUpper, m_lfMassUpper);
     }
 
-    // A file that ends early yields nothing more, however often it is asked.
-    const bool ended = read < std::max<std::size_t>(std::min(wanted, remaining), 1);
-    if (m_tLoadedSpec < m_tTotalSpec && !ended) return true;
+    if (m_tLoadedSpec < m_tTotalSpec && !comes_to_nothing(*m_pSpecReader, read, expected)) {
+        return true;
+    }
     m_pSpecReader->Close();
     m_pSpecReader.reset();
     return false;

@@ -26,6 +26,8 @@ public:
     /// Every call starts with charge 0 and precursor m/z 0; a block without them takes those of the
     /// block before it in the same call. A block without a title gets scan number = its position in
     /// the file, from 0, and the title "count.position.position.charge.dta".
+    /// A `num` of 0 is never reached: all that remain are read. A file that ends before its counted
+    /// blocks is closed, with a fault; a "BEGIN" inside a block is counted, but begins none.
     std::size_t Browse(std::vector<CSpectrum>& out, std::size_t num) override;
     std::size_t Count(const std::string& path) override;
     bool Close() override;

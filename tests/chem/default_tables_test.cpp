@@ -148,5 +148,33 @@ TEST_F(default_tables, every_label_can_be_read) {
     EXPECT_GT(labels, 10);
 }
 
+// Published shifts, Da.
+TEST_F(default_tables, labels_give_their_known_masses_to_the_workers) {
+    const test::CTempFolder folder;
+    m_cCondition.m_strOutputPath = folder.Path() + '\\';
+    m_cCondition.m_vLabels = {"None", "SILAC-K8R10", "15N", "Dimethyl-Medium"};
+    ASSERT_EQ(m_cCondition.WriteConfFiles(), 4u);
+    struct {
+        const char* number;
+        double lysine;
+        double arginine;
+        const char* mod;
+        double mass;
+    } rows[] = {{"1", 128.094963, 156.101111, "Dimethyl[K]#0", 28.031300},
+                {"2", 136.109162, 166.109380, "Citrullination[R]#2", -0.013019},
+                {"3", 130.089033, 160.089251, "GG[K]#3", 116.036997},
+                {"4", 128.094963, 156.101111, "Dimethyl[K]#4", 32.056407}};
+    for (const auto& row : rows) {
+        m_cCondition.m_strAAPath = m_cCondition.m_strOutputPath + row.number + ".aa";
+        m_cCondition.m_strModPath = m_cCondition.m_strOutputPath + row.number + ".mod";
+        m_cCondition.ReadAA();
+        m_cCondition.ReadMod();
+        EXPECT_NEAR(m_cCondition.m_cAlphaBet.m_lfMass['K' - 'A'], row.lysine, 1e-5) << row.number;
+        EXPECT_NEAR(m_cCondition.m_cAlphaBet.m_lfMass['R' - 'A'], row.arginine, 1e-5) << row.number;
+        ASSERT_NE(Mod(row.mod), nullptr) << row.mod;
+        EXPECT_NEAR(Mod(row.mod)->m_lfMass, row.mass, 1e-5) << row.mod;
+    }
+}
+
 }  // namespace
 }  // namespace tessel

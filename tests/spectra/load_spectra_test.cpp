@@ -5,6 +5,7 @@
 #include "tessel/condition/condition.h"
 #include "tests/support/captured.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/zb2_writer.h"
 
 namespace tessel {
 namespace {
@@ -235,8 +236,10 @@ TEST(load_spectra, file_cut_off_between_two_batches_ends_the_loading) {
     EXPECT_TRUE(search.Load());
     test::write_file(condition.m_strMSMSPath, "");
     std::size_t loaded = 4;
-    while (search.Load())
+    while (search.Load()) {
         loaded += condition.m_vSpectra.size();
+        ASSERT_LT(condition.m_tBatchNo, 10000u);
+    }
     loaded += condition.m_vSpectra.size();
     EXPECT_LT(loaded, 10000u);
     EXPECT_EQ(condition.m_tLoadedSpec, loaded);
@@ -257,6 +260,174 @@ TEST(load_spectra, fewer_blocks_than_begin_lines_end_the_loading) {
         EXPECT_EQ(search.m_cCondition.m_tLoadedSpec, 3u);
         EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr);
     }
+}
+
+TEST(load_spectra, every_type_but_mgf_and_zbs_is_zb2) {
+    for (const char* type : {"ZB2", "MS2", "mgf", "MGF ", "zbs", ""}) {
+        CSearch search(test::zb2_file("run", test::plain_scans(3)), type);
+        EXPECT_FALSE(search.Load()) << type;
+        EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 3u) << type;
+        EXPECT_EQ(search.m_strOutput, "") << type;
+    }
+    EXPECT_EQ(CCondition().m_strMSMSType, "ZB2");
+}
+
+TEST(load_spectra, text_file_of_another_type_is_reported) {
+    CSearch search(mgf_blocks(3), "MS2");
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_strOutput, alert("Spectrum file of type MS2: no ZB2 header in " +
+                                        search.m_cCondition.m_strMSMSPath));
+}
+
+TEST(load_spectra, zb2_batches_count_entries) {
+    std::vector<test::ZB2_SCAN> scans = test::plain_scans(12);
+    scans[0].m_vPrecursors.emplace_back(20000.5, 1);
+    scans[1].m_vPrecursors.emplace_back(600.0, 1);
+    CSearch search(test::zb2_file("run", scans), "ZB2");
+    CCondition& condition = search.m_cCondition;
+    condition.m_nMaxSpec = 5;
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(condition.m_vSpectra.size(), 6u);  // one of seven is too heavy
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(condition.m_tLoadedSpec, 10u);
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(condition.m_vSpectra.size(), 2u);
+    EXPECT_EQ(condition.m_tTotalSpec, 12u);
+}
+
+TEST(load_spectra, zb2_batch_size_zero_comes_to_an_end) {
+    CSearch search(test::zb2_file("run", test::plain_scans(3)), "ZB2");
+    search.m_cCondition.m_nMaxSpec = 0;
+    EXPECT_TRUE(search.Load());
+    EXPECT_TRUE(search.Load());
+    EXPECT_FALSE(search.Load());
+}
+
+TEST(load_spectra, zb2_file_cut_off_anywhere_ends_the_loading) {
+    const std::string whole = test::zb2_file("run", test::plain_scans(3));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        CSearch search(whole.substr(0, size), "ZB2");
+        search.m_cCondition.m_nMaxSpec = 1;
+        std::string output;
+        int calls = 0;
+        bool more = true;
+        while (more && ++calls < 10) {
+            more = search.Load();
+            output += search.m_strOutput;
+        }
+        ASSERT_LE(calls, 4) << size;
+        EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr) << size;
+        if (size < 11) {
+            EXPECT_EQ(output, alert("Spectrum file of type ZB2: no ZB2 header in " +
+                                    search.m_cCondition.m_strMSMSPath));
+        } else {
+            const std::string end =
+                "Spectrum file of type ZB2: " + std::to_string(search.m_cCondition.m_tLoadedSpec) +
+                " of 3 entries read, no more are in " + search.m_cCondition.m_strMSMSPath;
+            EXPECT_NE(output.find(alert(end)), std::string::npos) << output;
+        }
+    }
+}
+
+// ---- Lists ----
+
+// A search over a list of two files, of 4 and 6 entries.
+class CListSearch : public CSearch {
+public:
+    CListSearch() : CSearch("", "ZBS") {
+        const std::string a = m_cFolder.Write("a", test::zb2_file("a", test::plain_scans(4)));
+        m_strSecond = m_cFolder.Write("b", test::zb2_file("b", test::plain_scans(6)));
+        test::write_file(m_cCondition.m_strMSMSPath, a + '\n' + m_strSecond + '\n');
+    }
+
+    std::string Stall() const {
+        return alert("Spectrum file of type ZBS: maxspec 5 is less than the 6 entries of " +
+                     m_strSecond);
+    }
+
+    std::string m_strSecond;
+};
+
+TEST(load_spectra, listed_files_come_one_after_another) {
+    CListSearch search;
+    search.m_cCondition.m_nMaxSpec = 6;
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 4u);
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 6u);
+    EXPECT_EQ(search.m_cCondition.m_tLoadedSpec, 10u);
+    EXPECT_EQ(search.m_strOutput, "");
+    EXPECT_FALSE(search.Load(true));
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 10u);
+}
+
+TEST(load_spectra, list_without_progress_is_told_once_and_given_up_the_second_time) {
+    CListSearch search;
+    search.m_cCondition.m_nMaxSpec = 5;
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(search.m_strOutput, "");
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(search.m_strOutput, search.Stall());
+    EXPECT_NE(search.m_cCondition.m_pSpecReader, nullptr);
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_strOutput, "");
+    EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr);
+    EXPECT_EQ(search.m_cCondition.m_tLoadedSpec, 4u);
+    EXPECT_EQ(search.m_cCondition.m_tBatchNo, 3u);
+}
+
+TEST(load_spectra, list_goes_on_with_a_larger_batch_size) {
+    CListSearch search;
+    search.m_cCondition.m_nMaxSpec = 5;
+    EXPECT_TRUE(search.Load());
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(search.m_strOutput, search.Stall());
+    search.m_cCondition.m_nMaxSpec = 6;
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 6u);
+    search.m_cCondition.m_nMaxSpec = 0;  // a new run stalls anew
+    EXPECT_TRUE(search.Load());
+    EXPECT_FALSE(search.Load());
+}
+
+TEST(load_spectra, list_goes_on_with_everything_on_demand) {
+    CListSearch search;
+    search.m_cCondition.m_nMaxSpec = 5;
+    EXPECT_TRUE(search.Load());
+    EXPECT_TRUE(search.Load());
+    EXPECT_FALSE(search.Load(true));
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 6u);
+}
+
+TEST(load_spectra, listed_file_that_ends_early_is_reported_and_passed_over) {
+    CListSearch search;
+    const std::string whole = test::read_file(search.m_cFolder.Path("a"));
+    const std::string cut = search.m_cFolder.Write("a", whole.substr(0, whole.size() - 50));
+    search.m_cCondition.m_nMaxSpec = 6;
+    EXPECT_TRUE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 2u);
+    EXPECT_EQ(search.m_strOutput,
+              alert("Spectrum file of type ZBS: 2 of 4 entries read, no more are in " + cut));
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 6u);
+    EXPECT_EQ(search.m_strOutput, "");
+}
+
+TEST(load_spectra, list_without_lines_loads_nothing_silently) {
+    CSearch search("", "ZBS");
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr);
+    EXPECT_EQ(search.m_strOutput, "");
+}
+
+TEST(load_spectra, list_of_unreadable_files_is_reported_file_by_file) {
+    CSearch search("", "ZBS");
+    const std::string a = search.m_cFolder.Path("a");
+    const std::string b = search.m_cFolder.Path("b");
+    test::write_file(search.m_cCondition.m_strMSMSPath, a + '\n' + b + '\n');
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_strOutput, alert("Spectrum file of type ZBS: cannot open " + a) +
+                                      alert("Spectrum file of type ZBS: cannot open " + b));
 }
 
 TEST(load_spectra, message_with_numbers_is_cut_behind_them) {

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+#include "tessel/export.h"
+
+namespace tessel {
+
+class CCondition;
+
+/// Writes the settings of a condition as a parameter file, which CConditionReader reads back.
+/// Doubles are written with six significant digits. Texts are written as they are: one that holds a
+/// line feed does not read back.
+class TESSEL_API CConditionWriter {
+public:
+    /// The condition is not owned and must live until the last call of Write().
+    CConditionWriter(const std::string& path, const CCondition* condition);
+    virtual ~CConditionWriter() = default;
+
+    /// Replaces the file. One that cannot be opened is left alone, without a message; one that
+    /// cannot be written completely is an alert.
+    /// The last line tells when "Corvid.exe" in the working folder was modified, in local time:
+    /// year, month, day, hour, minute and second, "." between. Without that program it is the
+    /// start of 1970 in UTC.
+    void Write() const;
+
+    /// The steps of Write(), in its order: each appends the section of its name, _WriteData() the
+    /// sections "file" and "datalist".
+    void _WriteParam(std::string& text) const;
+    void _WriteEngine(std::string& text) const;
+    void _WriteFilter(std::string& text) const;
+    void _WriteData(std::string& text) const;
+    void _WriteQuant(std::string& text) const;
+    void _WriteSystem(std::string& text) const;
+
+    std::string m_strPath;           ///< the file to write
+    const CCondition* m_pCondition;  ///< not owned
+};
+
+}  // namespace tessel

@@ -1,0 +1,20 @@
+#include <time.h>
+
+#include "tessel/platform/calendar.h"
+
+namespace tessel {
+
+CALENDAR_TIME local_time(std::int64_t seconds) {
+    tzset();  // localtime_r() need not look at the time zone itself
+    const time_t time = static_cast<time_t>(seconds);
+    struct tm parts;
+    if (localtime_r(&time, &parts) == nullptr) return {};
+    return {std::int64_t{parts.tm_year} + 1900,
+            parts.tm_mon + 1,
+            parts.tm_mday,
+            parts.tm_hour,
+            parts.tm_min,
+            parts.tm_sec};
+}
+
+}  // namespace tessel
