@@ -20,7 +20,7 @@ bool by_position(const MOD_SITE& a, const MOD_SITE& b) {
 
 }  // namespace
 
-void CForms::ForEach(std::string_view sequence, const PEPTIDE& peptide, const Visit& visit) {
+void CForms::SetPeptide(std::string_view sequence, const PEPTIDE& peptide) {
     const auto length = static_cast<unsigned char>(sequence.size());
     m_vFixed.clear();
     m_vVariable.clear();
@@ -31,18 +31,32 @@ void CForms::ForEach(std::string_view sequence, const PEPTIDE& peptide, const Vi
     }
     CollectTerminus(static_cast<unsigned char>(length + 1), sequence.back(), peptide.m_bProteinEnd,
                     tessel::PRO_C, tessel::PEP_C);
+    SetMasses(sequence);
+}
 
-    double mass = 0.0;
+void CForms::SetMasses(std::string_view sequence) {
+    m_lfMass = 0.0;
     for (const char residue : sequence)
-        mass += m_cCondition.m_cAlphaBet.m_lfMass[static_cast<std::size_t>(residue - 'A')];
-    mass += kWaterMass + tessel::kProtonMass;
+        m_lfMass += m_cCondition.m_cAlphaBet.m_lfMass[static_cast<std::size_t>(residue - 'A')];
+    m_lfMass += kWaterMass + tessel::kProtonMass;
     for (const MOD_SITE& site : m_vFixed)
-        mass += site.m_pMod->m_lfMass;
+        m_lfMass += site.m_pMod->m_lfMass;
 
+    m_tMostMods = std::min(m_cCondition.m_tMaxModNum, m_vVariable.size());
+    double loss = 0.0;
+    double gain = 0.0;
+    for (const MOD_SITE& site : m_vVariable) {
+        loss = std::min(loss, site.m_pMod->m_lfMass);
+        gain = std::max(gain, site.m_pMod->m_lfMass);
+    }
+    m_lfLargestLoss = static_cast<double>(m_tMostMods) * loss;
+    m_lfLargestGain = static_cast<double>(m_tMostMods) * gain;
+}
+
+void CForms::ForEach(const Visit& visit) {
     m_nForms = 0;
-    const std::size_t mostMods = std::min(m_cCondition.m_tMaxModNum, m_vVariable.size());
-    for (std::size_t number = 0; number <= mostMods; ++number)
-        Choose(0, number, mass, visit);
+    for (std::size_t number = 0; number <= m_tMostMods; ++number)
+        Choose(0, number, m_lfMass, visit);
 }
 
 // The terminal slots hold the modifications of a terminus whatever residue they ask for there.

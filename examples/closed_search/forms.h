@@ -25,13 +25,19 @@ public:
 
     explicit CForms(const tessel::CCondition& condition) : m_cCondition(condition) {}
 
-    /// Visits the forms of a peptide of the protein.
-    void ForEach(std::string_view sequence, const PEPTIDE& peptide, const Visit& visit);
+    /// Takes a peptide of a protein and finds the choices there are.
+    void SetPeptide(std::string_view sequence, const PEPTIDE& peptide);
+    /// No form of the peptide is lighter or heavier, MH+ in Da.
+    double LightestMass() const { return m_lfMass + m_lfLargestLoss; }
+    double HeaviestMass() const { return m_lfMass + m_lfLargestGain; }
+    /// Visits the forms of the peptide.
+    void ForEach(const Visit& visit);
 
 private:
     void CollectTerminus(unsigned char position, char residue, bool atProteinEnd,
                          tessel::MOD_TYPE proteinType, tessel::MOD_TYPE peptideType);
     void CollectPosition(unsigned char position, const std::vector<const tessel::CMod*>& mods);
+    void SetMasses(std::string_view sequence);
     void Choose(std::size_t first, std::size_t number, double mass, const Visit& visit);
     void Emit(double mass, const Visit& visit);
 
@@ -41,6 +47,10 @@ private:
     std::vector<tessel::MOD_SITE> m_vVariable;    // every choice, by position
     std::vector<tessel::MOD_SITE> m_vChosen;      // those of the form at hand
     std::vector<tessel::MOD_SITE> m_vSites;
+    std::size_t m_tMostMods = 0;
+    double m_lfMass = 0.0;  // with the fixed modifications alone
+    double m_lfLargestLoss = 0.0;
+    double m_lfLargestGain = 0.0;
     int m_nForms = 0;
 };
 

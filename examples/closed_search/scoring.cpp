@@ -70,8 +70,10 @@ double peak_intensity(const CSpectrum& spectrum, double mz, double tolerance) {
     const std::vector<CPeak>& peaks = spectrum.m_vPeaks;
     const double low = mz - tolerance;
     const double high = mz + tolerance;
+    // False for a NaN, too, which a tolerance that is none would give.
+    const bool isCovered = low < static_cast<double>(spectrum.m_vHashTable.size());
+    if (!isCovered) return 0.0;
     const auto bucket = static_cast<std::size_t>(std::max(low, 0.0));
-    if (bucket >= spectrum.m_vHashTable.size()) return 0.0;
     double strongest = 0.0;
     for (auto i = static_cast<std::size_t>(spectrum.m_vHashTable[bucket]);
          i < peaks.size() && peaks[i].m_lfMz <= high; ++i) {

@@ -31,19 +31,29 @@ CPrecursorIndex::CPrecursorIndex(const std::vector<CSpectrum>& spectra) {
     }
 }
 
+const CPrecursorIndex::ENTRY* CPrecursorIndex::FirstFrom(double mass) const {
+    // False for a NaN, too, which a tolerance that is none would give.
+    const bool isCovered = mass < static_cast<double>(m_vFirst.size());
+    if (!isCovered) return End();
+    const auto dalton = static_cast<std::size_t>(std::max(mass, 0.0));
+    const ENTRY* entry = m_vEntries.data() + m_vFirst[dalton];
+    while (entry != End() && entry->m_lfMH < mass)
+        ++entry;
+    return entry;
+}
+
 std::pair<const CPrecursorIndex::ENTRY*, const CPrecursorIndex::ENTRY*> CPrecursorIndex::Between(
     double low, double high) const {
-    const ENTRY* const end = m_vEntries.data() + m_vEntries.size();
-    if (!(high >= 0.0)) return {end, end};
-    const auto dalton = static_cast<std::size_t>(std::clamp(low, 0.0, 1e6));
-    if (dalton >= m_vFirst.size()) return {end, end};
-    const ENTRY* first = m_vEntries.data() + m_vFirst[dalton];
-    while (first != end && first->m_lfMH < low)
-        ++first;
+    const ENTRY* const first = FirstFrom(low);
     const ENTRY* last = first;
-    while (last != end && last->m_lfMH <= high)
+    while (last != End() && last->m_lfMH <= high)
         ++last;
     return {first, last};
+}
+
+bool CPrecursorIndex::AnyBetween(double low, double high) const {
+    const ENTRY* const first = FirstFrom(low);
+    return first != End() && first->m_lfMH <= high;
 }
 
 // ---- The search ----
@@ -90,7 +100,9 @@ void CSearch::SearchProtein(const ORIGIN& protein, const CPrecursorIndex& index,
     for (const PEPTIDE& peptide : m_cDigest.Peptides(protein.m_strSequence)) {
         const std::string_view sequence =
             std::string_view(protein.m_strSequence).substr(peptide.m_tBegin, peptide.m_tLength);
-        m_cForms.ForEach(sequence, peptide, [&](double mass, const std::vector<MOD_SITE>& sites) {
+        m_cForms.SetPeptide(sequence, peptide);
+        if (!MayMatch(index)) continue;
+        m_cForms.ForEach([&](double mass, const std::vector<MOD_SITE>& sites) {
             if (mass < m_cCondition.m_lfMassLower || mass > m_cCondition.m_lfMassUpper) return;
             const double tolerance = m_cCondition._CalcMaxDeviation(mass, true);
             const auto [first, last] = index.Between(mass - tolerance, mass + tolerance);
@@ -108,6 +120,14 @@ void CSearch::SearchProtein(const ORIGIN& protein, const CPrecursorIndex& index,
             }
         });
     }
+}
+
+// Few spectra need few of the forms; a look at the range of their masses spares most peptides.
+bool CSearch::MayMatch(const CPrecursorIndex& index) const {
+    constexpr double kRounding = 1e-6;
+    const double tolerance = m_cCondition._CalcMaxDeviation(m_cForms.HeaviestMass(), true);
+    return index.AnyBetween(m_cForms.LightestMass() - tolerance - kRounding,
+                            m_cForms.HeaviestMass() + tolerance + kRounding);
 }
 
 // A modified terminus makes the residue beside it heavier.

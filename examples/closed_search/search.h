@@ -26,8 +26,13 @@ public:
     };
     /// The entries with a mass from `low` to `high`.
     std::pair<const ENTRY*, const ENTRY*> Between(double low, double high) const;
+    /// Whether there is one.
+    bool AnyBetween(double low, double high) const;
 
 private:
+    const ENTRY* FirstFrom(double mass) const;
+    const ENTRY* End() const { return m_vEntries.data() + m_vEntries.size(); }
+
     std::vector<ENTRY> m_vEntries;      // by mass
     std::vector<std::size_t> m_vFirst;  // by dalton: the first entry that is not lighter
 };
@@ -50,6 +55,7 @@ private:
 
     void SearchProtein(const ORIGIN& protein, const CPrecursorIndex& index,
                        std::vector<CCandidates>& candidates);
+    bool MayMatch(const CPrecursorIndex& index) const;
     void SetResidues(std::string_view sequence, const std::vector<tessel::MOD_SITE>& sites);
     tessel::CPepRes MakeCandidate(const ORIGIN& protein, const PEPTIDE& peptide, double mass,
                                   const std::vector<tessel::MOD_SITE>& sites,
