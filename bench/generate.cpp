@@ -202,11 +202,12 @@ struct CANDIDATE {
     std::string m_strSites;  // with their count
 };
 
-CANDIDATE candidate_of(CRandom& random, std::size_t definitions) {
+// The next candidate of a spectrum, with a lower score than the one before.
+CANDIDATE candidate_of(CRandom& random, double score, std::size_t definitions) {
     CANDIDATE candidate;
     candidate.m_strSequence = residues(random, 7 + random.Below(19));
     candidate.m_lfMass = random.Between(700.0, 3500.0);
-    candidate.m_lfScore = random.Between(0.5, 60.0);
+    candidate.m_lfScore = score;
     const std::size_t sites = random.Below(3);
     candidate.m_strSites = numbered("%zu", sites);
     for (std::size_t i = 0; i < sites; ++i) {
@@ -246,9 +247,13 @@ void write_results(std::FILE* file, std::size_t part, std::size_t spectra,
         std::fprintf(file, "S\t%.6f\t%d\nsample_run.%zu.%zu.2.0.dta\n",
                      random.Between(700.0, 3500.0), static_cast<int>(2 + random.Below(3)), i, i);
         CANDIDATE candidate;
+        double score = random.Between(40.0, 80.0);
         for (std::size_t rank = 1; rank <= kCandidates; ++rank) {
             const bool repeat = rank > 1 && random.Below(20) == 0;
-            if (!repeat) candidate = candidate_of(random, definitions);
+            if (!repeat) {
+                score -= random.Between(0.01, 4.0);
+                candidate = candidate_of(random, score, definitions);
+            }
             write_candidate(file, random, rank, candidate);
         }
     }

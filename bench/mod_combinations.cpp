@@ -68,7 +68,7 @@ void leave_figures(CRound& round, const CCondition& condition) {
 void library(CRound& round, std::size_t extra) {
     CCondition condition;
     prepare(condition, extra);
-    round.Run([&] { (void)0; /*TEMP*/ });
+    round.Run([&] { condition.GenerateModComb(); });
     leave_figures(round, condition);
 }
 

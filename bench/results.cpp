@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -36,9 +36,10 @@ void prepare(CCondition& condition) {
     condition.CreateModList();
 }
 
-std::uint64_t digest_of_results(const CCondition& condition) {
+template <class Results>
+std::uint64_t digest_of_results(const Results& results) {
     CDigest digest;
-    for (const auto& [title, spectrum] : condition.m_mapPSMRes) {
+    for (const auto& [title, spectrum] : results) {
         digest.Add(title);
         digest.Add(spectrum.m_nCharge);
         digest.Add(spectrum.m_lfMH);
@@ -78,12 +79,29 @@ void load_library(CRound& round, std::size_t spectra) {
     CCondition condition;
     prepare(condition);
     round.Run([&] { condition.LoadResult(paths, kMaxPeps, kMaxFinalScore); });
-    round.m_cFigures.m_uDigest = digest_of_results(condition);
+    round.m_cFigures.m_uDigest = digest_of_results(condition.m_mapPSMRes);
 }
 
 // As described: token by token, every candidate a record of its own that is copied into its list.
 
 constexpr std::size_t kLineBuffer = 81920;
+
+// The described record is one that is copied, with all that it owns; it knows no moving.
+class CCopiedPep : public CPepRes {
+public:
+    CCopiedPep() = default;
+    CCopiedPep(const CCopiedPep&) = default;
+    CCopiedPep& operator=(const CCopiedPep&) = default;
+};
+
+struct PLAIN_SPECTRUM {
+    std::string m_strTitle;
+    int m_nCharge = 0;
+    double m_lfMH = 0.0;
+    std::vector<CCopiedPep> m_vPeps;
+};
+
+using PlainResults = std::map<std::string, PLAIN_SPECTRUM>;
 
 void expect(bool isRead) {
     if (!isRead) std::abort();
@@ -125,7 +143,7 @@ void plain_pep(CCondition& condition, CPepRes& pep, char* buffer, std::FILE* fil
         expect(std::fscanf(file, "%d", &value) == 1);
 }
 
-void plain_head(CPSMRes& spectrum, char* buffer, std::FILE* file) {
+void plain_head(PLAIN_SPECTRUM& spectrum, char* buffer, std::FILE* file) {
     expect(std::fscanf(file, "%lf%d", &spectrum.m_lfMH, &spectrum.m_nCharge) == 2);
     expect(std::fgets(buffer, kLineBuffer, file) != nullptr);
     expect(std::fgets(buffer, kLineBuffer, file) != nullptr);
@@ -134,23 +152,23 @@ void plain_head(CPSMRes& spectrum, char* buffer, std::FILE* file) {
     spectrum.m_strTitle = buffer;
 }
 
-void plain_file(CCondition& condition, const std::string& path) {
+void plain_file(CCondition& condition, PlainResults& results, const std::string& path) {
     const OpenFile file = open_or_throw(path, "r");
     std::vector<char> line(kLineBuffer);
     char* const buffer = line.data();
-    CPSMRes spectrum;
+    PLAIN_SPECTRUM spectrum;
     while (std::fscanf(file.get(), "%s", buffer) == 1) {
         if (std::strcmp(buffer, "S") == 0) {
             plain_head(spectrum, buffer, file.get());
-            if (condition.m_mapPSMRes.find(spectrum.m_strTitle) == condition.m_mapPSMRes.end()) {
-                condition.m_mapPSMRes[spectrum.m_strTitle] = spectrum;
+            if (results.find(spectrum.m_strTitle) == results.end()) {
+                results[spectrum.m_strTitle] = spectrum;
             }
             continue;
         }
-        CPepRes pep;
+        CCopiedPep pep;
         plain_pep(condition, pep, buffer, file.get());
         pep.m_lfMassDev = spectrum.m_lfMH - pep.m_lfPepMass;
-        CPSMRes& entry = condition.m_mapPSMRes[spectrum.m_strTitle];
+        PLAIN_SPECTRUM& entry = results[spectrum.m_strTitle];
         if (entry.m_vPeps.size() >= kMaxPeps || pep.m_lfFinalScore > kMaxFinalScore) continue;
         entry.m_vPeps.push_back(pep);
         expect(std::fgets(buffer, kLineBuffer, file.get()) != nullptr);
@@ -171,7 +189,7 @@ std::uint32_t plain_key(double score) {
     return static_cast<std::uint32_t>(static_cast<std::int64_t>(score * 10000.0));
 }
 
-void plain_removal(std::vector<CPepRes>& peps) {
+void plain_removal(std::vector<CCopiedPep>& peps) {
     std::vector<bool> marked(peps.size(), false);
     for (std::size_t i = 0; i < peps.size(); ++i) {
         if (marked[i]) continue;
@@ -186,7 +204,7 @@ void plain_removal(std::vector<CPepRes>& peps) {
             peps[i].m_ucAuxMax = std::max(peps[i].m_ucAuxMax, peps[j].m_ucAuxMax);
         }
     }
-    std::vector<CPepRes> kept;
+    std::vector<CCopiedPep> kept;
     for (std::size_t i = 0; i < peps.size(); ++i) {
         if (!marked[i]) kept.push_back(peps[i]);
     }
@@ -197,15 +215,16 @@ void load_plain(CRound& round, std::size_t spectra) {
     const std::vector<std::string> paths = result_files(spectra, kDefinitions);
     CCondition condition;
     prepare(condition);
+    PlainResults results;
     round.Run([&] {
         for (const std::string& path : paths)
-            plain_file(condition, path);
-        for (auto& [title, spectrum] : condition.m_mapPSMRes) {
+            plain_file(condition, results, path);
+        for (auto& [title, spectrum] : results) {
             std::sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(), CPepRes::ScoreGreater);
             plain_removal(spectrum.m_vPeps);
         }
     });
-    round.m_cFigures.m_uDigest = digest_of_results(condition);
+    round.m_cFigures.m_uDigest = digest_of_results(results);
 }
 
 // The least: every token found, every number read into arrays that are used again for each block.
