@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tessel/base/bucket_index.h"
 #include "tessel/base/line_reader.h"
 #include "tessel/base/message_text.h"
 #include "tessel/base/number.h"
@@ -15,6 +14,7 @@
 #include "tessel/chem/residues.h"
 #include "tessel/condition/condition.h"
 #include "tessel/condition/constants.h"
+#include "tessel/condition/mass_index.h"
 
 namespace tessel {
 namespace {
@@ -110,25 +110,6 @@ void drop_repeated(std::vector<const CMod*>& mods) {
     std::set<const CMod*> seen;
     const auto repeated = [&seen](const CMod* mod) { return !seen.insert(mod).second; };
     mods.erase(std::remove_if(mods.begin(), mods.end(), repeated), mods.end());
-}
-
-// The mass that makes a lookup over the sorted list too long: that of the finite end farther out.
-template <class Entries, class MassOf>
-double farthest_mass(const Entries& entries, MassOf massOf) {
-    double farthest = 0.0;
-    for (const auto& entry : entries) {
-        const double mass = massOf(entry);
-        if (std::isfinite(mass) && std::fabs(mass) >= std::fabs(farthest)) farthest = mass;
-    }
-    return farthest;
-}
-
-template <class Entries, class MassOf>
-void index_masses(const CCondition& condition, std::vector<std::uint32_t>& index,
-                  const Entries& entries, MassOf massOf) {
-    if (fill_mass_buckets(index, entries, massOf)) return;
-    const std::string mass = fixed_text(farthest_mass(entries, massOf), 6);
-    condition.Message(message_text("Mass out of reach of the lookup table: ", mass), LOG_ALERT);
 }
 
 bool is_residue(char site, const CAlphaBet& alphabet) {

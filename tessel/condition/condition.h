@@ -249,6 +249,31 @@ public:
     /// cannot be written is an alert.
     void WriteMod(const std::size_t& labelIndex) const;
 
+    // ---- Modification combinations: space/mod_combinations.cpp ----
+
+    /// Rebuilds m_vModComb, three groups: all multisets of up to three of m_vSelMods (0), each of
+    /// them with one (1) and with two (2) entries of m_vMods, the placeholder left out. None has
+    /// two N-terminal or two C-terminal modifications. Each group is sorted by mass, equal masses
+    /// in the order of enumeration, and tabled in m_vModCombHash. Needs CreateModList(); the
+    /// combinations are as long-lived as the modifications. The number of combinations grows with
+    /// the square of the table; it is logged beforehand, and as a warning when they take more than
+    /// 1 GiB. When the memory cannot be had, an alert tells number and size, and the process ends
+    /// with status 1.
+    void GenerateModComb();
+    /// One step of the enumeration: appends `comb`, as it is and with extra modifications, to the
+    /// three groups of m_vModComb, which must be there, then goes on with every selected
+    /// modification from `start` on, up to three in all. The flags hold the type of the N-terminal
+    /// and of the C-terminal modification in `comb`, or 0. `comb` is changed in between and
+    /// restored, its mass by subtraction.
+    void _generate_mod_comb(CModCombInfo& comb, std::int8_t nTerm, std::int8_t cTerm,
+                            std::size_t start);
+    /// Sorts the groups of m_vModComb by mass and rebuilds m_vModCombHash. With o the first
+    /// combination's mass in thousandths of a dalton, truncated toward zero, or 0 if that is above
+    /// 0: entry k of a group's table is the first combination of at least k + o, up to the
+    /// heaviest. Stops at the first empty group, whose table is empty; later ones stay unsorted,
+    /// too. A mass that no table can reach is reported, and the table of its group stays empty.
+    void CreateModCombHash();
+
     // ---- Ion types: space/ion_types.cpp ----
 
     /// Appends b and y, charges 1 to 5, to m_vIonTypes; true.
