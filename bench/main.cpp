@@ -4,6 +4,7 @@
 //   --instructions=FILE    lines "path count" for the table's last column
 //   --growth               how cost grows with size, instead of the table
 //   --once=PATH            one path of the library once, small input, in this process
+//   --once=PATH --large    the same with the table's input, to be profiled
 //   --benchmark_...        options of Google Benchmark: --benchmark_filter=REGEX chooses paths,
 //                          --benchmark_out=FILE keeps every round
 // Exit status 1 when a Must does not hold.
@@ -31,6 +32,7 @@ struct OPTIONS {
     std::string m_strInstructions;
     std::string m_strOnce;
     bool m_bGrowth = false;
+    bool m_bLarge = false;
 };
 
 std::vector<HOT_PATH> all_paths() {
@@ -47,9 +49,15 @@ std::vector<HOT_PATH> all_paths() {
 
 // Small enough to run under an instruction counter.
 std::vector<HOT_PATH> small_paths() {
-    return {mgf_path(300),           zb2_path(300),          target_decoy_path(1000000),
-            mod_list_path(1500),     mod_combinations_path(100), load_results_path(1000),
-            write_results_path(1000), merge_files_path(1000), initialize_path(),
+    return {mgf_path(300),
+            zb2_path(300),
+            target_decoy_path(1000000),
+            mod_list_path(1500),
+            mod_combinations_path(100),
+            load_results_path(1000),
+            write_results_path(1000),
+            merge_files_path(1000),
+            initialize_path(),
             batches_path(300, 100)};
 }
 
@@ -83,9 +91,10 @@ void one_round(benchmark::State& state, const Contender& contender, std::vector<
 // One benchmark per round, so that contenders take turns; the time is the child's CPU time.
 void register_rounds(const HOT_PATH& path, Rounds& rounds, std::size_t count,
                      std::size_t contenders) {
-    for (std::size_t round = 0; round < count; ++round) {
+    for (std::size_t round = 0; round < count * path.m_tTurns; ++round) {
         for (std::size_t which = 0; which < contenders; ++which) {
-            const std::string name = path.m_strName + '/' + kContenderNames[which];
+            const std::string name =
+                path.m_strName + '/' + path.m_strInput + '/' + kContenderNames[which];
             benchmark::RegisterBenchmark(name.c_str(),
                                          [&path, &rounds, which](benchmark::State& state) {
                                              one_round(state, contender_of(path, which),
@@ -105,7 +114,7 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.error_occurred) m_bFailed = true;
-            std::fprintf(stderr, "%-40s %10.1f ms\n", run.benchmark_name().c_str(),
+            std::fprintf(stderr, "%-72s %10.1f ms\n", run.benchmark_name().c_str(),
                          run.GetAdjustedRealTime());
         }
     }
@@ -158,14 +167,14 @@ int measure_growth(const OPTIONS& options) {
     return complete ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int run_once(const std::string& name) {
-    for (const HOT_PATH& path : small_paths()) {
-        if (path.m_strName != name) continue;
+int run_once(const OPTIONS& options) {
+    for (const HOT_PATH& path : options.m_bLarge ? all_paths() : small_paths()) {
+        if (path.m_strName != options.m_strOnce) continue;
         CRound round;
         path.m_fnLibrary(round);
         return EXIT_SUCCESS;
     }
-    std::fprintf(stderr, "No path is named %s\n", name.c_str());
+    std::fprintf(stderr, "No path is named %s\n", options.m_strOnce.c_str());
     return EXIT_FAILURE;
 }
 
@@ -181,6 +190,8 @@ bool take_options(int count, char** arguments, OPTIONS& options) {
         std::string number;
         if (argument == "--growth") {
             options.m_bGrowth = true;
+        } else if (argument == "--large") {
+            options.m_bLarge = true;
         } else if (take(argument, "--rounds=", number)) {
             options.m_tRounds = std::strtoul(number.c_str(), nullptr, 10);
         } else if (!take(argument, "--inputs=", options.m_strInputs) &&
@@ -202,6 +213,6 @@ int main(int count, char** arguments) {
     benchmark::Initialize(&count, arguments);
     if (!take_options(count, arguments, options)) return EXIT_FAILURE;
     set_input_folder(options.m_strInputs);
-    if (!options.m_strOnce.empty()) return run_once(options.m_strOnce);
+    if (!options.m_strOnce.empty()) return run_once(options);
     return options.m_bGrowth ? measure_growth(options) : measure_table(options);
 }

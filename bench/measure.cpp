@@ -75,8 +75,7 @@ void CRound::Run(const std::function<void()>& work) {
     measured_work(work);
     m_cFigures.m_lfSeconds = cpu_seconds() - start;
     m_cFigures.m_uPeak = memory_line("VmHWM:");
-    m_cFigures.m_uOverStart =
-        m_cFigures.m_uPeak > resident ? m_cFigures.m_uPeak - resident : 0;
+    m_cFigures.m_uOverStart = m_cFigures.m_uPeak > resident ? m_cFigures.m_uPeak - resident : 0;
 }
 
 std::optional<FIGURES> run_in_child(const Contender& contender) {

@@ -8,11 +8,11 @@ namespace tessel::bench {
 
 /// What one round took. Plain bytes: they come back from the child process through a pipe.
 struct FIGURES {
-    double m_lfSeconds = 0.0;         ///< CPU time of the measured work, user and system
-    std::uint64_t m_uPeak = 0;        ///< peak resident memory while it ran, bytes
-    std::uint64_t m_uOverStart = 0;   ///< the same above what was resident when it began
-    std::uint64_t m_uDigest = 0;      ///< of the result; 0 where there is nothing to compare
-    std::uint64_t m_uRecordBytes = 0; ///< of the result's records, where a memory limit needs them
+    double m_lfSeconds = 0.0;          ///< CPU time of the measured work, user and system
+    std::uint64_t m_uPeak = 0;         ///< peak resident memory while it ran, bytes
+    std::uint64_t m_uOverStart = 0;    ///< the same above what was resident when it began
+    std::uint64_t m_uDigest = 0;       ///< of the result; 0 where there is nothing to compare
+    std::uint64_t m_uRecordBytes = 0;  ///< of the result's records, where a memory limit needs them
 };
 
 /// One round of one contender, alone in its process.

@@ -97,7 +97,8 @@ std::size_t lines_of(const std::string& path) {
     std::size_t lines = 0;
     while (blocks.Next(first, last)) {
         while (first != last) {
-            const void* const end = std::memchr(first, '\n', static_cast<std::size_t>(last - first));
+            const void* const end =
+                std::memchr(first, '\n', static_cast<std::size_t>(last - first));
             first = static_cast<const char*>(end) + 1;
             ++lines;
         }

@@ -192,7 +192,7 @@ void limit(CRound& round, std::size_t extra) {
 
 HOT_PATH mod_combinations_path(std::size_t extra) {
     HOT_PATH path;
-    path.m_strName = "mod_combinations_" + std::to_string(extra);
+    path.m_strName = "mod_combinations";
     path.m_strInput = std::to_string(kSelected) + " selected, " + std::to_string(extra) + " extra";
     path.m_cMusts.m_lfLimit = 2.4;
     path.m_cMusts.m_lfLimitAim = 1.6;

@@ -228,6 +228,7 @@ HOT_PATH mod_list_path(std::size_t definitions) {
     HOT_PATH path;
     path.m_strName = "mod_list";
     path.m_strInput = std::to_string(definitions) + " definitions";
+    path.m_tTurns = 3;
     path.m_cMusts.m_lfLimit = 2.2;
     path.m_cMusts.m_lfLimitAim = 1.6;
     path.m_cMusts.m_lfPlain = 0.5;

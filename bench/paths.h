@@ -23,6 +23,7 @@ struct MUSTS {
 struct HOT_PATH {
     std::string m_strName;
     std::string m_strInput;
+    std::size_t m_tTurns = 1;  ///< rounds for each that is asked for: short paths need more
     MUSTS m_cMusts;
     Contender m_fnLibrary;
     Contender m_fnPlain;

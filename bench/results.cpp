@@ -1,5 +1,8 @@
 // Result files: read, written, joined.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -523,19 +526,39 @@ void merge_plain(CRound& round, std::size_t spectra) {
     std::remove(output.c_str());
 }
 
+// A file of the system, without the standard library between.
+class CSystemFile {
+public:
+    CSystemFile(const std::string& path, int flags) : m_nFile(open(path.c_str(), flags, 0666)) {
+        expect(m_nFile >= 0);
+    }
+    ~CSystemFile() { close(m_nFile); }
+    CSystemFile(const CSystemFile&) = delete;
+    CSystemFile& operator=(const CSystemFile&) = delete;
+
+    std::size_t Read(std::vector<char>& block) const {
+        const ssize_t count = read(m_nFile, block.data(), block.size());
+        expect(count >= 0);
+        return static_cast<std::size_t>(count);
+    }
+    void Write(const std::vector<char>& block, std::size_t count) const {
+        expect(write(m_nFile, block.data(), count) == static_cast<ssize_t>(count));
+    }
+
+private:
+    int m_nFile;
+};
+
 void merge_limit(CRound& round, std::size_t spectra) {
     const std::vector<std::string> paths = result_files(spectra, kDefinitions);
     const std::string output = output_file("merged.res");
     round.Run([&] {
         std::vector<char> block(kBlockSize);
-        const OpenFile merged = open_or_throw(output, "wb");
-        std::setvbuf(merged.get(), nullptr, _IONBF, 0);
+        const CSystemFile merged(output, O_WRONLY | O_CREAT | O_TRUNC);
         for (const std::string& path : paths) {
-            const OpenFile file = open_or_throw(path, "rb");
-            std::setvbuf(file.get(), nullptr, _IONBF, 0);
-            while (const std::size_t count =
-                       std::fread(block.data(), 1, block.size(), file.get()))
-                std::fwrite(block.data(), 1, count, merged.get());
+            const CSystemFile file(path, O_RDONLY);
+            while (const std::size_t count = file.Read(block))
+                merged.Write(block, count);
         }
     });
     round.m_cFigures.m_uDigest = digest_of_file(output);
@@ -565,8 +588,7 @@ HOT_PATH load_results_path(std::size_t spectra) {
 }
 
 HOT_PATH write_results_path(std::size_t spectra) {
-    HOT_PATH path =
-        results_path("write_results", spectra, write_library, write_plain, write_limit);
+    HOT_PATH path = results_path("write_results", spectra, write_library, write_plain, write_limit);
     path.m_cMusts.m_lfLimit = 1.2;
     path.m_cMusts.m_lfLimitAim = 1.05;
     path.m_cMusts.m_lfPlain = 0.2;
@@ -575,6 +597,7 @@ HOT_PATH write_results_path(std::size_t spectra) {
 
 HOT_PATH merge_files_path(std::size_t spectra) {
     HOT_PATH path = results_path("merge_files", spectra, merge_library, merge_plain, merge_limit);
+    path.m_tTurns = 3;
     path.m_cMusts.m_lfLimit = 1.15;
     path.m_cMusts.m_lfLimitAim = 1.05;
     path.m_cMusts.m_lfOverStart = 4.0;  // of inputs that are fifty times larger

@@ -10,7 +10,8 @@ namespace tessel::bench {
 namespace {
 
 constexpr double kMiB = 1024.0 * 1024.0;
-constexpr const char* kRow = "%-21s %-23s | %8s %8s %8s | %-18s %-15s | %-18s %-9s | %-26s | %12s\n";
+constexpr const char* kRow =
+    "%-21s %-23s | %8s %8s %8s | %-18s %-15s | %-18s %-9s | %-26s | %12s\n";
 
 std::string text(const char* format, double a) {
     char buffer[64];
@@ -107,8 +108,8 @@ void CTable::PrintPath(const HOT_PATH& path, const Rounds& rounds) {
     std::string memory = text("%.1f MiB over start ", overStart);
     if (musts.m_lfOverStart != 0.0) memory += Judged(overStart, musts.m_lfOverStart, 0.0);
     if (musts.m_lfPeakPerRecord != 0.0) {
-        const double peak = median_of(library, &FIGURES::m_uPeak) /
-                            median_of(library, &FIGURES::m_uRecordBytes);
+        const double peak =
+            median_of(library, &FIGURES::m_uPeak) / median_of(library, &FIGURES::m_uRecordBytes);
         memory = text("%.2f x records ", peak) + Judged(peak, musts.m_lfPeakPerRecord, 0.0);
     }
     const auto instructions = m_mapInstructions.find(path.m_strName);
