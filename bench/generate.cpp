@@ -25,6 +25,9 @@ constexpr std::size_t kResultFiles = 4;
 constexpr std::size_t kFastaColumns = 60;
 constexpr std::string_view kResidues = "ACDEFGHIKLMNPQRSTVWY";
 
+// Part of the folder's name: inputs of an older kind are not taken for present ones.
+constexpr const char* kKind = "kind2";
+
 fs::path g_folder;
 
 // The standard distributions differ between libraries; these numbers do not.
@@ -262,7 +265,7 @@ void write_results(std::FILE* file, std::size_t part, std::size_t spectra,
 }  // namespace
 
 void set_input_folder(const std::string& folder) {
-    g_folder = folder;
+    g_folder = fs::path(folder) / kKind;
 }
 
 std::string output_file(const std::string& name) {

@@ -3,7 +3,8 @@
 //   --inputs=FOLDER        where inputs lie and outputs go
 //   --instructions=FILE    lines "path count" for the table's last column
 //   --growth               how cost grows with size, instead of the table
-//   --once=PATH            one path of the library once, small input, in this process
+//   --once=PATH            one path of the library once, small input, in this process,
+//                          which ends behind the measured work
 //   --once=PATH --large    the same with the table's input, to be profiled
 //   --benchmark_...        options of Google Benchmark: --benchmark_filter=REGEX chooses paths,
 //                          --benchmark_out=FILE keeps every round
@@ -170,7 +171,7 @@ int measure_growth(const OPTIONS& options) {
 int run_once(const OPTIONS& options) {
     for (const HOT_PATH& path : options.m_bLarge ? all_paths() : small_paths()) {
         if (path.m_strName != options.m_strOnce) continue;
-        CRound round;
+        CRound round(true);
         path.m_fnLibrary(round);
         return EXIT_SUCCESS;
     }

@@ -73,6 +73,7 @@ void CRound::Run(const std::function<void()>& work) {
     const std::uint64_t resident = memory_line("VmRSS:");
     const double start = cpu_seconds();
     measured_work(work);
+    if (m_bOnce) std::_Exit(EXIT_SUCCESS);
     m_cFigures.m_lfSeconds = cpu_seconds() - start;
     m_cFigures.m_uPeak = memory_line("VmHWM:");
     m_cFigures.m_uOverStart = m_cFigures.m_uPeak > resident ? m_cFigures.m_uPeak - resident : 0;
@@ -90,8 +91,10 @@ std::optional<FIGURES> run_in_child(const Contender& contender) {
     close(ends[0]);
     int status = 1;
     if (child > 0) waitpid(child, &status, 0);
-    if (!told || status != 0) return std::nullopt;
-    return figures;
+    if (told && status == 0) return figures;
+    std::fprintf(stderr, "A round failed: %s %d\n", WIFSIGNALED(status) ? "signal" : "exit status",
+                 WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status));
+    return std::nullopt;
 }
 
 }  // namespace tessel::bench

@@ -18,12 +18,19 @@ struct FIGURES {
 /// One round of one contender, alone in its process.
 class CRound {
 public:
+    /// With `isOnce` the process ends right behind the measured work, with exit status 0: for
+    /// programs that watch it from outside.
+    explicit CRound(bool isOnce = false) : m_bOnce(isOnce) {}
+
     /// Runs and measures the work; what stands before and behind the call is not measured. Memory
     /// that was freed before goes back to the system first, so that the pages that the work touches
     /// are new to every contender.
     void Run(const std::function<void()>& work);
 
     FIGURES m_cFigures;
+
+private:
+    bool m_bOnce;
 };
 
 /// Prepares its input, measures its work with CRound::Run(), and leaves the digest of its result.

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double kMiB = 1024.0 * 1024.0;
 constexpr const char* kRow =
-    "%-21s %-23s | %8s %8s %8s | %-18s %-15s | %-18s %-9s | %-26s | %12s\n";
+
+    "%-16s %-23s | %8s %8s %8s | %-19s %-16s | %-17s %-10s | %-27s | %12s\n";
 
 std::string text(const char* format, double a) {
     char buffer[64];
