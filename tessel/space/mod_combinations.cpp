@@ -6,6 +6,7 @@
 #include <array>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -35,12 +36,16 @@ std::uint64_t product(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > kMaxNumber / b ? kMaxNumber : a * b;
 }
 
-// Multisets of `size` out of n kinds.
+// Multisets of `size` out of n kinds. The product of the first factors is divided at each step, so
+// that it stays a whole number and only the result saturates.
 std::uint64_t multisets(std::uint64_t n, std::size_t size) {
+    if (n == 0) return size == 0 ? 1 : 0;
     std::uint64_t number = 1;
-    for (std::uint64_t i = 0; i < size; ++i)
-        number = product(number, n + i);
-    return size == 3 ? number / 6 : size == 2 ? number / 2 : number;
+    for (std::uint64_t i = 1; i <= size; ++i) {
+        const std::uint64_t common = std::gcd(number, i);
+        number = product(number / common, (n + i - 1) / (i / common));
+    }
+    return number;
 }
 
 // How many modifications there are for the N terminus, for the C terminus, and without terminus.
