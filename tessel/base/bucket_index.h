@@ -18,18 +18,19 @@ inline constexpr std::int64_t kNoBucket = std::numeric_limits<std::int64_t>::min
 /// A larger table is not built: one hostile mass must not cost the memory of the machine.
 inline constexpr std::size_t kMaxBuckets = 50'000'000;
 
-/// A number truncated toward zero, saturating; kNoBucket for one that is not finite.
+/// A number truncated toward zero, saturating; kNoBucket for NaN.
 inline std::int64_t truncated(double number) {
     constexpr double kLimit = 9.2e18;
-    if (!std::isfinite(number)) return kNoBucket;
+    if (std::isnan(number)) return kNoBucket;
     if (number >= kLimit) return std::numeric_limits<std::int64_t>::max();
     if (number <= -kLimit) return kNoBucket + 1;
     return static_cast<std::int64_t>(number);
 }
 
-/// Mass lookups: thousandths of a dalton, truncated toward zero.
+/// Mass lookups: thousandths of a dalton, truncated toward zero; kNoBucket for a mass that is not
+/// finite.
 inline std::int64_t milli_dalton(double mass) {
-    return truncated(mass * 1000.0);
+    return std::isfinite(mass) ? truncated(mass * 1000.0) : kNoBucket;
 }
 
 /// Rebuilds `table` over `entries`; bucketOf(entry) is the entry's bucket. Entries that are out of
@@ -44,13 +45,19 @@ bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bu
     if (last == kNoBucket) return true;
     if (last >= static_cast<std::int64_t>(kMaxBuckets)) return false;
 
-    table.reserve(static_cast<std::size_t>(std::max<std::int64_t>(last, 0)) + 1);
+    // Zeros first, then the runs over them, is faster than growing the table run by run: the second
+    // writing stays in the cache, and a run costs no call.
+    table.assign(static_cast<std::size_t>(std::max<std::int64_t>(last, 0)) + 1, 0);
+    auto filled = table.begin();
     Index position = 0;
     for (const auto& entry : entries) {
         const std::int64_t bucket = bucketOf(entry);
         if (bucket != kNoBucket) {
-            const auto length = static_cast<std::size_t>(std::max<std::int64_t>(bucket, 0)) + 1;
-            if (length > table.size()) table.resize(length, position);
+            const auto end = table.begin() + std::max<std::int64_t>(bucket, 0) + 1;
+            if (end > filled) {
+                std::fill(filled, end, position);
+                filled = end;
+            }
         }
         ++position;
     }

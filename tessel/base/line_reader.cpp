@@ -1,5 +1,6 @@
 #include "tessel/base/line_reader.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tessel {
@@ -16,30 +17,33 @@ CLineReader::CLineReader(const std::string& path, std::size_t piece)
 CLineReader::CLineReader(std::FILE* file, std::size_t piece) : m_pFile(file), m_tPiece(piece) {
 }
 
-bool CLineReader::ReadLine(std::string_view& line) {
+bool CLineReader::ReadSlowly(std::string_view& line) {
     if (m_bAtStart) SkipByteOrderMark();
+    const std::size_t end = FindLineEnd();
+    const std::size_t held = m_tEnd - m_tBegin;
+    if (held == 0) return false;
+    const char* const begin = m_vBuffer.data() + m_tBegin;  // valid after the last refill
+    std::size_t length = std::min(end, held);
+    std::size_t taken = end < held ? length + 1 : length;
+    if (length > 0 && begin[length - 1] == '\r') --length;
+    if (length >= m_tPiece) length = taken = m_tPiece;
+    line = std::string_view(begin, length);
+    m_tBegin += taken;
+    return true;
+}
+
+// Where the next line feed stands in what is held, after reading on for it; kAnyLength when a whole
+// piece without one is held, or all that is left of the file.
+std::size_t CLineReader::FindLineEnd() {
+    // Two more bytes tell whether the piece is followed by its line end alone.
+    const std::size_t enough = m_tPiece == kAnyLength ? kAnyLength : m_tPiece + 2;
     std::size_t searched = 0;
     for (;;) {
-        const char* begin = m_vBuffer.data() + m_tBegin;
-        const std::size_t held = m_tEnd - m_tBegin;
-        const void* found =
-            held > searched ? std::memchr(begin + searched, '\n', held - searched) : nullptr;
-        std::size_t length =
-            found ? static_cast<std::size_t>(static_cast<const char*>(found) - begin) : held;
-        std::size_t taken = found ? length + 1 : length;
-        const bool complete = found != nullptr;
-        if (!complete) {
-            searched = held;
-            // Two more bytes tell whether the piece is followed by its line end alone.
-            const bool pieceHeld = m_tPiece != kAnyLength && held >= m_tPiece + 2;
-            if (!pieceHeld && Refill()) continue;
-            if (held == 0) return false;
-        }
-        if (length > 0 && begin[length - 1] == '\r') --length;
-        if (length >= m_tPiece) length = taken = m_tPiece;
-        line = std::string_view(begin, length);
-        m_tBegin += taken;
-        return true;
+        const std::string_view held(m_vBuffer.data() + m_tBegin, m_tEnd - m_tBegin);
+        const std::size_t found = held.find('\n', searched);
+        if (found != std::string_view::npos) return found;
+        searched = held.size();
+        if (searched >= enough || !Refill()) return kAnyLength;
     }
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -26,11 +28,24 @@ public:
 
     bool IsOpen() const { return m_pFile != nullptr; }
     /// False at the end of the file. The line is valid until the next call.
-    bool ReadLine(std::string_view& line);
+    bool ReadLine(std::string_view& line) {
+        // Nearly every line is short and in the buffer; only the others are worth a call.
+        const char* const begin = m_vBuffer.data() + m_tBegin;
+        const std::size_t held = std::min(m_tEnd - m_tBegin, m_tPiece);
+        const void* const found = held > 0 ? std::memchr(begin, '\n', held) : nullptr;
+        if (found == nullptr) return ReadSlowly(line);
+        std::size_t length = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
+        m_tBegin += length + 1;
+        if (length > 0 && begin[length - 1] == '\r') --length;
+        line = std::string_view(begin, length);
+        return true;
+    }
     /// Reading stopped at an error of the file, not at its end.
     bool Failed() const { return m_pFile != nullptr && std::ferror(m_pFile) != 0; }
 
 private:
+    bool ReadSlowly(std::string_view& line);
+    std::size_t FindLineEnd();
     bool Refill();
     void SkipByteOrderMark();
 

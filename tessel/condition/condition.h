@@ -272,6 +272,7 @@ public:
     /// 0: entry k of a group's table is the first combination of at least k + o, up to the
     /// heaviest. Stops at the first empty group, whose table is empty; later ones stay unsorted,
     /// too. A mass that no table can reach is reported, and the table of its group stays empty.
+    /// Masses that are not finite stand at the end of their group, in no table.
     void CreateModCombHash();
 
     // ---- Ion types: space/ion_types.cpp ----
@@ -295,9 +296,9 @@ public:
     /// Settles m_strInputFastaPath: m_strFastaPath itself, or with m_bAutoRev the target-decoy
     /// database beside it, which is generated unless one is there that is not older. Uses and
     /// resets m_cFastaLoader, which has to be Reset() again before proteins are read. Throws
-    /// std::runtime_error when the database does not exist. A target-decoy database that cannot be
-    /// written, or a source that keeps changing, ends the process with status 1; what stood there
-    /// before stays.
+    /// std::runtime_error when the database does not exist, with m_strInputFastaPath naming it, and
+    /// leaves an empty target-decoy database where none stood. One that cannot be written, or a
+    /// source that keeps changing, ends the process with status 1; what stood there before stays.
     void SetFastaPath();
     /// Turns the search to the sub-database output path + output name + ".sub.fasta", which the
     /// engine has written; returns 1.

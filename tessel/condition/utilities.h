@@ -14,8 +14,9 @@ namespace tessel {
 /// CCondition::StringSplit is the splitter that drops empty fields.
 TESSEL_API void _str_split(const std::string& text, std::vector<std::string>& out, char delimiter);
 
-/// Reads the stream, line by line, to its end through one buffer; returns 0. Afterwards the buffer
-/// holds the last line read, with its line feed if it had one.
+/// Reads the stream to its end through one buffer, and returns 0. Each line replaces the one before
+/// it in the buffer, line feed included; only a line that fills the buffer exactly stays, and the
+/// next one is appended. An empty stream leaves the buffer as it is.
 /// `*buffer` is an array from new[] with room for `size` characters, at least 2 (otherwise nothing
 /// is read). A longer line replaces it by a larger one, `size` on entry larger each time; the
 /// caller owns the array left in `*buffer`, of the length left in `size`, and frees it with

@@ -4,6 +4,7 @@
 
 #include <iostream>
 #include <locale>
+#include <utility>
 
 #include "tessel/base/end_process.h"
 
@@ -17,9 +18,10 @@ bool holds(const std::string& residues, char residue) {
 }  // namespace
 
 bool CEnzyme::Init(const std::string& definition) {
-    *this = CEnzyme();
-    m_strInfo = definition;
     std::istringstream words(definition);
+    CEnzyme fresh;
+    fresh.m_strInfo = definition;  // before anything is cleared: it may be a part of this object
+    *this = std::move(fresh);
     words.imbue(std::locale::classic());  // other locales know other blanks
     words >> m_strName;
     while (_Init(words)) {

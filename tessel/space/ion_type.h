@@ -18,7 +18,8 @@ public:
 
     /// Reads a line of five columns: name, charge, N-terminal flag, further flag, offset, such as
     /// "y 2 0 1 18.0105647"; true whatever it holds. Missing columns leave their fields as they
-    /// were, except that the two flags become false.
+    /// were, except that the two flags become false. A column that is no number becomes 0, and
+    /// those behind it count as missing; integers out of range take the nearest limit.
     bool Init(const std::string& definition);
 };
 

@@ -1,7 +1,10 @@
 // Fragment ion types: single definition lines, and the two sets that an activation method selects,
 // appended to the condition's m_vIonTypes.
 
-#include "tessel/base/number.h"
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "tessel/base/word_reader.h"
 #include "tessel/condition/condition.h"
 #include "tessel/space/ion_type.h"

@@ -6,6 +6,7 @@
 #include <array>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -13,6 +14,8 @@
 #include "tessel/condition/condition.h"
 #include "tessel/condition/mass_index.h"
 #include "tessel/platform/memory.h"
+#include "tessel/space/ordered_combinations.h"
+#include "tessel/space/termini.h"
 
 namespace tessel {
 namespace {
@@ -21,31 +24,6 @@ constexpr std::size_t kGroups = 3;
 constexpr unsigned char kMaxSelected = 3;
 constexpr std::uint64_t kLargeSize = std::uint64_t{1} << 30;  // bytes
 constexpr std::uint64_t kMaxNumber = std::numeric_limits<std::uint64_t>::max();
-
-// ---- Terminal modifications ----
-
-bool is_n_terminal(const CMod& mod) {
-    return mod.m_eType == PEP_N || mod.m_eType == PRO_N;
-}
-
-bool is_c_terminal(const CMod& mod) {
-    return mod.m_eType == PEP_C || mod.m_eType == PRO_C;
-}
-
-// The types of the N-terminal and of the C-terminal modification of a combination, or 0.
-struct TERMINI {
-    std::int8_t n;
-    std::int8_t c;
-
-    bool Refuse(const CMod& mod) const {
-        return (is_n_terminal(mod) && n >= 1) || (is_c_terminal(mod) && c >= 1);
-    }
-    TERMINI With(const CMod& mod) const {
-        const auto type = static_cast<std::int8_t>(mod.m_eType);
-        return {is_n_terminal(mod) ? std::max(n, type) : n,
-                is_c_terminal(mod) ? std::max(c, type) : c};
-    }
-};
 
 // ---- Counting ----
 
@@ -58,12 +36,16 @@ std::uint64_t product(std::uint64_t a, std::uint64_t b) {
     return b != 0 && a > kMaxNumber / b ? kMaxNumber : a * b;
 }
 
-// Multisets of `size` out of n kinds.
+// Multisets of `size` out of n kinds. The product of the first factors is divided at each step, so
+// that it stays a whole number and only the result saturates.
 std::uint64_t multisets(std::uint64_t n, std::size_t size) {
+    if (n == 0) return size == 0 ? 1 : 0;
     std::uint64_t number = 1;
-    for (std::uint64_t i = 0; i < size; ++i)
-        number = product(number, n + i);
-    return size == 3 ? number / 6 : size == 2 ? number / 2 : number;
+    for (std::uint64_t i = 1; i <= size; ++i) {
+        const std::uint64_t common = std::gcd(number, i);
+        number = product(number / common, (n + i - 1) / (i / common));
+    }
+    return number;
 }
 
 // How many modifications there are for the N terminus, for the C terminus, and without terminus.
@@ -117,14 +99,11 @@ GROUP_SIZES group_sizes(const std::vector<const CMod*>& selected, const std::vec
     return sizes;
 }
 
-// Room for all combinations, and for those that sorting the largest group sets aside. False when
-// there is not enough memory; without asking first, it might be promised and then not be there.
-bool reserve_groups(std::vector<std::vector<CModCombInfo>>& groups, const GROUP_SIZES& sizes) {
-    const std::uint64_t largest = *std::max_element(sizes.begin(), sizes.end());
-    std::uint64_t number = largest / 2;
-    for (const std::uint64_t size : sizes)
-        number = sum(number, size);
-    if (product(number, sizeof(CModCombInfo)) > available_memory()) return false;
+// Room for all combinations. False when there is not enough memory; without asking first, it might
+// be promised and then not be there.
+bool reserve_groups(std::vector<std::vector<CModCombInfo>>& groups, const GROUP_SIZES& sizes,
+                    std::uint64_t bytes) {
+    if (bytes > available_memory()) return false;
     try {
         for (std::size_t i = 0; i < kGroups; ++i)
             groups[i].reserve(sizes[i]);
@@ -161,6 +140,61 @@ void visit_extras(const std::vector<CMod>& table, std::size_t start, TERMINI ter
         if (table[i].m_eType != MOD_PLACEHOLDER && !termini.Refuse(table[i])) visit(i);
 }
 
+// One and two modifications of the table on top of a base.
+void append_extras(const CModCombInfo& base, const std::vector<CMod>& table, TERMINI termini,
+                   std::vector<std::vector<CModCombInfo>>& groups) {
+    if (base.m_cModNum > kMaxSelected) return;
+    visit_extras(table, 0, termini, [&](std::size_t i) {
+        const CModCombInfo one = with_extra(base, table[i], 1);
+        groups[1].push_back(one);
+        visit_extras(table, i, termini.With(table[i]),
+                     [&](std::size_t j) { groups[2].push_back(with_extra(one, table[j], 2)); });
+    });
+}
+
+// Depth first: visits `comb`, then what adding selected modifications from `start` on makes of it.
+template <class Visit>
+void walk_selected(CModCombInfo& comb, const std::vector<const CMod*>& selected, TERMINI termini,
+                   std::size_t start, const Visit& visit) {
+    visit(comb, termini);
+    if (comb.m_cModNum >= kMaxSelected) return;
+    for (std::size_t k = start; k < selected.size(); ++k) {
+        const CMod& mod = *selected[k];
+        if (termini.Refuse(mod)) continue;
+        append(comb, mod);
+        walk_selected(comb, selected, termini.With(mod), k, visit);
+        remove_last(comb, mod);
+    }
+}
+
+void sort_group(const CCondition& condition, std::vector<CModCombInfo>& group,
+                std::vector<std::uint32_t>& lookup) {
+    std::stable_sort(group.begin(), group.end(), CModCombInfo::Mass_Less);
+    index_masses(condition, lookup, group, [](const CModCombInfo& comb) { return comb.m_lfMass; });
+}
+
+// The whole of GenerateModComb() for tables as CreateModList() leaves them. False, and the groups
+// empty, where that cannot be done.
+bool fill_groups_in_order(CCondition& condition) {
+    auto& groups = condition.m_vModComb;
+    auto& lookups = condition.m_vModCombHash;
+    CModCombInfo comb;
+    walk_selected(comb, condition.m_vSelMods, TERMINI(), 0,
+                  [&](const CModCombInfo& base, TERMINI) { groups[0].push_back(base); });
+    for (unsigned char extraNum = 1; extraNum < kGroups; ++extraNum) {
+        if (fill_in_order(groups[extraNum], lookups[extraNum], groups[0], condition.m_vMods,
+                          extraNum)) {
+            continue;
+        }
+        for (auto& group : groups)
+            group.clear();
+        lookups.assign(kGroups, {});
+        return false;
+    }
+    sort_group(condition, groups[0], lookups[0]);
+    return true;
+}
+
 }  // namespace
 
 bool CModCombInfo::Mass_Less(const CModCombInfo& a, const CModCombInfo& b) {
@@ -177,10 +211,11 @@ void CCondition::GenerateModComb() {
     const std::string figures =
         message_text(number, " modification combinations, ", size, " bytes");
     Message(figures, size > kLargeSize ? LOG_WARNING : LOG_DEBUG);
-    if (!reserve_groups(m_vModComb, sizes)) {
+    if (!reserve_groups(m_vModComb, sizes, size)) {
         Message("Not enough memory for " + figures, LOG_ALERT);
         end_process(1);
     }
+    if (fill_groups_in_order(*this)) return;
     CModCombInfo comb;
     _generate_mod_comb(comb, 0, 0, 0);
     CreateModCombHash();
@@ -188,37 +223,19 @@ void CCondition::GenerateModComb() {
 
 void CCondition::_generate_mod_comb(CModCombInfo& comb, std::int8_t nTerm, std::int8_t cTerm,
                                     std::size_t start) {
-    const TERMINI termini{nTerm, cTerm};
-    if (comb.m_cModNum <= kMaxSelected) {
-        visit_extras(m_vMods, 0, termini, [&](std::size_t i) {
-            const CModCombInfo one = with_extra(comb, m_vMods[i], 1);
-            m_vModComb[1].push_back(one);
-            visit_extras(m_vMods, i, termini.With(m_vMods[i]), [&](std::size_t j) {
-                m_vModComb[2].push_back(with_extra(one, m_vMods[j], 2));
-            });
-        });
-    }
-    m_vModComb[0].push_back(comb);
-    if (comb.m_cModNum >= kMaxSelected) return;
-    for (std::size_t k = start; k < m_vSelMods.size(); ++k) {
-        const CMod& mod = *m_vSelMods[k];
-        if (termini.Refuse(mod)) continue;
-        const TERMINI now = termini.With(mod);
-        append(comb, mod);
-        _generate_mod_comb(comb, now.n, now.c, k);
-        remove_last(comb, mod);
-    }
+    walk_selected(comb, m_vSelMods, TERMINI{nTerm, cTerm}, start,
+                  [this](const CModCombInfo& base, TERMINI termini) {
+                      append_extras(base, m_vMods, termini, m_vModComb);
+                      m_vModComb[0].push_back(base);
+                  });
 }
 
 void CCondition::CreateModCombHash() {
     m_vModCombHash.resize(m_vModComb.size());
     for (std::size_t i = 0; i < m_vModComb.size(); ++i) {
-        std::vector<CModCombInfo>& group = m_vModComb[i];
-        std::stable_sort(group.begin(), group.end(), CModCombInfo::Mass_Less);
         m_vModCombHash[i].clear();
-        if (group.empty()) return;
-        index_masses(*this, m_vModCombHash[i], group,
-                     [](const CModCombInfo& comb) { return comb.m_lfMass; });
+        if (m_vModComb[i].empty()) return;
+        sort_group(*this, m_vModComb[i], m_vModCombHash[i]);
     }
 }
 

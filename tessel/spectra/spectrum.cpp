@@ -58,7 +58,8 @@ void CSpectrum::_ExtractScanNo() {
 
 void CSpectrum::Create_Hash_Table() {
     fill_buckets(m_vHashTable, m_vPeaks, [](const CPeak& peak) {
-        return peak.m_lfMz <= kMaxIndexedMz ? truncated(peak.m_lfMz) : kNoBucket;
+        const bool covered = std::isfinite(peak.m_lfMz) && peak.m_lfMz <= kMaxIndexedMz;
+        return covered ? truncated(peak.m_lfMz) : kNoBucket;
     });
 }
 

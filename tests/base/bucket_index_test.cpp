@@ -24,8 +24,11 @@ TEST(bucket_index, truncation_saturates_and_leaves_out_what_is_not_finite) {
     EXPECT_EQ(truncated(-1.999), -1);
     EXPECT_EQ(truncated(1e300), std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(truncated(-1e300), kNoBucket + 1);
-    EXPECT_EQ(truncated(kInfinity), kNoBucket);
+    EXPECT_EQ(truncated(kInfinity), std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(truncated(kNaN), kNoBucket);
+    EXPECT_EQ(milli_dalton(kInfinity), kNoBucket);
+    EXPECT_EQ(milli_dalton(-kInfinity), kNoBucket);
+    EXPECT_EQ(milli_dalton(1e306), std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(milli_dalton(15.9949), 15994);
     EXPECT_EQ(milli_dalton(-0.9840155), -984);
 }
@@ -89,6 +92,7 @@ TEST(bucket_index, table_beyond_fifty_million_entries_is_not_built) {
     EXPECT_FALSE(fill(table, {1.0, 50000.0}));
     EXPECT_TRUE(table.empty());
     EXPECT_FALSE(fill(table, {-1e300, 1e300}));
+    EXPECT_FALSE(fill(table, {5.0, 1e306}));
     EXPECT_FALSE(fill(table, {-49999.0, 1.0}));
     EXPECT_TRUE(fill(table, {49999.0, 49999.999}));
     EXPECT_EQ(table.size(), 50'000'000u);

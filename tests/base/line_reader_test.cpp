@@ -45,6 +45,23 @@ TEST(line_reader, byte_order_mark_is_skipped_at_the_start_only) {
     EXPECT_EQ(lines_of("\xEF\xBB"), Lines{"\xEF\xBB"});
 }
 
+TEST(line_reader, last_line_without_a_line_feed_keeps_its_bytes) {
+    EXPECT_EQ(lines_of("a\nbcdef"), (Lines{"a", "bcdef"}));
+    EXPECT_EQ(lines_of("\xEF\xBB\xBFK=Value"), Lines{"K=Value"});
+    EXPECT_EQ(lines_of("a\nbcdef", kLinePiece), (Lines{"a", "bcdef"}));
+}
+
+// The size of the buffer, where the last line just fills it, and its neighbours.
+TEST(line_reader, last_line_that_fills_the_buffer_comes_whole) {
+    for (const std::size_t length : {131071u, 131072u, 131073u, 262144u}) {
+        std::string line(length, 'x');
+        for (std::size_t i = 0; i < length; ++i)
+            line[i] = static_cast<char>('a' + i % 23);
+        EXPECT_EQ(lines_of(line), Lines{line});
+        EXPECT_EQ(lines_of("first\n" + line), (Lines{"first", line}));
+    }
+}
+
 TEST(line_reader, zero_bytes_and_end_of_file_characters_are_ordinary) {
     const std::string bytes(
         "a\0b\n\x1A"
@@ -107,7 +124,8 @@ TEST(line_reader, random_texts_are_cut_as_by_a_plain_buffer) {
         const std::size_t piece = std::uniform_int_distribution<std::size_t>(1, 9)(random);
         std::string bytes(std::uniform_int_distribution<std::size_t>(0, 60)(random), 'a');
         for (char& c : bytes) {
-            if (std::uniform_int_distribution<int>(0, 5)(random) == 0) c = '\n';
+            const bool ends = std::uniform_int_distribution<int>(0, 5)(random) == 0;
+            c = ends ? '\n' : static_cast<char>('a' + random() % 26);
         }
         ASSERT_EQ(lines_of(bytes, piece), naive_pieces(bytes, piece)) << bytes;
     }

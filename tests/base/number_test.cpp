@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <vector>
 
 #include "tessel/base/message_text.h"
 #include "tessel/base/word_reader.h"
@@ -159,6 +160,54 @@ TEST(number, doubles_are_written_as_printf_writes_them) {
     append_general(text, 100000.0);
     append_general(text, 1e6);
     EXPECT_EQ(text, "1000001e+06");
+}
+
+// Numbers near a decision: halves of the last decimal and their neighbours, powers of ten and
+// theirs.
+TEST(number, rounding_is_that_of_printf_at_every_border) {
+    std::mt19937_64 random(8);
+    std::vector<double> values{0.0,  1e-4,   9.9999995e-5, 999999.5,  999999.4999, 1e6,   1e15,
+                               1e16, 0.5,    1.5,          2.5,       0.125,       0.375, 1e-9,
+                               5e-7, 4.9e-7, 1e300,        kInfinity, 5e-10,       1e-320};
+    for (int round = 0; round < 20000; ++round) {
+        const double steps =
+            static_cast<double>(std::uniform_int_distribution<std::int64_t>(0, 40'000'000)(random));
+        const double unit = std::pow(10.0, std::uniform_int_distribution<int>(-10, 6)(random));
+        values.push_back(steps / 64.0);
+        values.push_back(steps * unit);
+        values.push_back((steps + 0.5) * unit);
+        values.push_back((steps + 0.5) / 1e6);
+    }
+    for (const double middle : values) {
+        for (const double size :
+             {middle, std::nextafter(middle, 0.0), std::nextafter(middle, 1e308)}) {
+            for (const double value : {size, -size}) {
+                char expected[2000];
+                std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.0lf %.9lf %.6g", value,
+                              value, value, value, value);
+                std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ' +
+                                   fixed_text(value, 0) + ' ' + fixed_text(value, 9) + ' ';
+                append_general(text, value);
+                ASSERT_EQ(text, expected);
+            }
+        }
+    }
+}
+
+// Short decimals are read another way than the rest: every length around the border.
+TEST(number, decimals_of_every_length_read_as_strtod_reads_them) {
+    std::mt19937_64 random(9);
+    for (int round = 0; round < 200000; ++round) {
+        const auto digits = std::uniform_int_distribution<std::size_t>(1, 20)(random);
+        const auto point = std::uniform_int_distribution<std::size_t>(0, 22)(random);
+        std::string text;
+        for (std::size_t i = 0; i < digits; ++i) {
+            if (i == point) text += '.';
+            text += static_cast<char>('0' + std::uniform_int_distribution<int>(0, 9)(random));
+        }
+        if (round % 7 == 0) text += "e-3";
+        ASSERT_EQ(to_double(text), std::strtod(text.c_str(), nullptr)) << text;
+    }
 }
 
 TEST(number, messages_are_cut_at_255_characters) {

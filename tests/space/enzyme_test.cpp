@@ -80,6 +80,13 @@ TEST(enzyme, init_forgets_the_enzyme_before) {
     EXPECT_FALSE(changed.m_bCTerm || changed.m_bNTerm);
 }
 
+TEST(enzyme, own_definition_may_be_given_again) {
+    CEnzyme again = enzyme("X KR P C");
+    again.Init(again.m_strInfo);
+    EXPECT_EQ(again.InfoString(), "X KR P C");
+    EXPECT_EQ(again.m_strCSites, "KR");
+}
+
 TEST(enzyme, info_string_is_the_definition_as_given) {
     EXPECT_EQ(enzyme("  Trypsin\tKR  _ C  junk ").InfoString(), "  Trypsin\tKR  _ C  junk ");
     EXPECT_EQ(enzyme("  Trypsin\tKR  _ C  junk ").m_strInfo, "  Trypsin\tKR  _ C  junk ");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <limits>
 #include <random>
@@ -454,6 +455,85 @@ TEST_F(mod_combinations, masses_that_are_not_finite_sort_last_and_enter_no_table
 
     Generate({}, {mod("n", std::nan(""))});
     EXPECT_TRUE(Table(1).empty());
+}
+
+// ---- The table in order, as selecting modifications leaves it ----
+
+void put_in_order(std::vector<CMod>& table) {
+    std::stable_sort(table.begin(), table.end(), CMod::Mass_Less);
+}
+
+// Everything that a combination holds, as one line.
+Texts records(const std::vector<CModCombInfo>& group) {
+    Texts all;
+    for (const CModCombInfo& comb : group) {
+        char mass[40];
+        std::snprintf(mass, sizeof mass, "%a", comb.m_lfMass);
+        all.push_back(names(comb) + ' ' + mass + ' ' + std::to_string(comb.m_cExtraNum) + ' ' +
+                      std::to_string(comb.m_lfWeight) + std::to_string(comb.m_nTag1) +
+                      std::to_string(comb.m_nTag2));
+    }
+    return all;
+}
+
+// The combinations that come in order are those of the walk, sorted.
+void expect_as_walked(CCondition& condition) {
+    condition.GenerateModComb();
+    const auto groups = condition.m_vModComb;
+    const auto tables = condition.m_vModCombHash;
+    condition.m_vModComb.assign(3, {});
+    condition.m_vModCombHash.assign(3, {});
+    CModCombInfo comb;
+    condition._generate_mod_comb(comb, 0, 0, 0);
+    condition.CreateModCombHash();
+    for (std::size_t i = 0; i < 3; ++i) {
+        ASSERT_EQ(records(groups[i]), records(condition.m_vModComb[i])) << "group " << i;
+        ASSERT_EQ(tables[i], condition.m_vModCombHash[i]) << "group " << i;
+    }
+}
+
+TEST_F(mod_combinations, random_table_in_order_gives_the_walk_sorted) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 200; ++round) {
+        Prepare(random_mods(random, 4, 'A'), random_mods(random, 12, 'a'));
+        put_in_order(m_cCondition.m_vMods);
+        expect_as_walked(m_cCondition);
+    }
+}
+
+TEST_F(mod_combinations, many_windows_of_mass_give_the_walk_sorted) {
+    std::mt19937 random(12);
+    std::vector<CMod> extras;
+    for (int i = 0; i < 300; ++i) {
+        const double mass = (static_cast<double>(random() % 1'000'000) - 300'000.0) / 977.0;
+        extras.push_back(mod("m" + std::to_string(i), mass, static_cast<MOD_TYPE>(random() % 5)));
+    }
+    Prepare({mod("A", 15.994915), mod("B", -17.026549, PEP_N)}, extras);
+    put_in_order(m_cCondition.m_vMods);
+    expect_as_walked(m_cCondition);
+    EXPECT_GT(Group(2).size(), 100'000u);
+}
+
+TEST_F(mod_combinations, masses_that_crowd_in_one_bucket_are_sorted_in_it) {
+    std::vector<CMod> extras;
+    for (int i = 0; i < 120; ++i)
+        extras.push_back(mod("m" + std::to_string(i), 1.0 + 1e-6 * ((i * 7) % 30)));
+    Prepare({mod("A", 1e-7), mod("B", -1e-7)}, extras);
+    put_in_order(m_cCondition.m_vMods);
+    expect_as_walked(m_cCondition);
+}
+
+TEST_F(mod_combinations, masses_out_of_reach_in_an_ordered_table_are_reported) {
+    Prepare({}, {mod("x", -49'999.0), mod("y", 3.0)});
+    put_in_order(m_cCondition.m_vMods);
+    const std::string output = test::captured_output([&] { m_cCondition.GenerateModComb(); });
+    EXPECT_EQ(output,
+              "[Tessel] ALERT: Mass out of reach of the lookup table: -49999.000000\n"
+              "[Tessel] ALERT: Mass out of reach of the lookup table: -99998.000000\n");
+    EXPECT_EQ(names(Group(1)), (Texts{"x", "y"}));
+    EXPECT_EQ(names(Group(2)), (Texts{"xx", "xy", "yy"}));
+    EXPECT_EQ(Table(0), Table32{0});
+    EXPECT_TRUE(Table(1).empty() && Table(2).empty());
 }
 
 // ---- Memory ----

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "tessel/chem/mod.h"
+
+namespace tessel {
+
+inline bool is_n_terminal(const CMod& mod) {
+    return mod.m_eType == PEP_N || mod.m_eType == PRO_N;
+}
+
+inline bool is_c_terminal(const CMod& mod) {
+    return mod.m_eType == PEP_C || mod.m_eType == PRO_C;
+}
+
+/// The types of the N-terminal and of the C-terminal modification of a combination, or 0: it holds
+/// one of each at most.
+struct TERMINI {
+    std::int8_t n = 0;
+    std::int8_t c = 0;
+
+    bool Refuse(const CMod& mod) const {
+        return (is_n_terminal(mod) && n >= 1) || (is_c_terminal(mod) && c >= 1);
+    }
+    TERMINI With(const CMod& mod) const {
+        const auto type = static_cast<std::int8_t>(mod.m_eType);
+        return {is_n_terminal(mod) ? std::max(n, type) : n,
+                is_c_terminal(mod) ? std::max(c, type) : c};
+    }
+};
+
+}  // namespace tessel
