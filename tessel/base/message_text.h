@@ -19,12 +19,19 @@ std::enable_if_t<std::is_integral_v<Integer>> append_piece(std::string& text, In
     append_integer(text, value);
 }
 
-/// A message with numbers: the pieces (texts, integers) one after another, cut at 255 characters.
-/// Doubles come as fixed_text(). Messages of texts alone are plain strings and never cut.
+/// Pieces (texts, integers) one after another. Doubles come as fixed_text().
 template <class... Pieces>
-std::string message_text(const Pieces&... pieces) {
+std::string joined_text(const Pieces&... pieces) {
     std::string text;
     (append_piece(text, pieces), ...);
+    return text;
+}
+
+/// The same as a message of fixed wording with numbers, which is cut at 255 characters. Messages
+/// that name a file are not cut: joined_text().
+template <class... Pieces>
+std::string message_text(const Pieces&... pieces) {
+    std::string text = joined_text(pieces...);
     if (text.size() > kMaxMessageText) text.resize(kMaxMessageText);
     return text;
 }

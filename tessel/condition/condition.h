@@ -288,7 +288,10 @@ public:
     /// remain. True when entries remain behind it; after false the next call starts over. Spectra
     /// whose MH+ is not from 0 to 20000 Da are dropped, although they count as loaded. Sets the
     /// batch's mass range unless the batch is empty. Files that cannot be read, are not of the type
-    /// that m_strMSMSType names, or are cut off, are reported; never is true returned for ever.
+    /// that m_strMSMSType names, or are cut off, are reported; never is true returned for ever. A
+    /// ZBS batch that is too small for the next listed file loads nothing, which is reported; the
+    /// second such call in a row ends the loading. A batch size of 0 is one entry of a ZB2 file and
+    /// everything of an MGF file.
     bool LoadSpectra(bool bAll);
 
     // ---- Protein database: database/prepare_database.cpp ----
@@ -324,7 +327,8 @@ public:
     int InitialResMap();
     /// Reads the fields of a peptide line, its rank already taken, and sets the mass deviation from
     /// the spectrum; returns 1. `buffer` has room for 81920 characters. The stream is left behind
-    /// the last field read; a field that cannot be read ends the reading.
+    /// the last field read; a field that cannot be read ends the reading, and `pep`, which should
+    /// be fresh, keeps those before it. An unknown modification name enters m_mapMods with null.
     int _ReadOnePep(const CPSMRes& psm, CPepRes& pep, char* buffer, std::FILE* file);
     /// Adds the candidates of a result file to m_mapPSMRes, up to `maxPeps` per spectrum in file
     /// order, without those whose final score is above `maxFinalScore`; returns 1. Records that
@@ -356,8 +360,8 @@ public:
     /// Inputs are removed, if asked for, only after the output was closed without an error. An
     /// input that does not exist is skipped with a warning. After a failed write, for an input that
     /// cannot be read, and when the output is one of the inputs (then nothing is touched), an alert
-    /// names the file, true is returned and every input stays. An output that cannot be opened ends
-    /// the process with status 1.
+    /// names the file, true is returned and every input stays; the output then holds a part only.
+    /// An output that cannot be opened ends the process with status 1.
     bool MergeFiles(const std::vector<std::string>& inputs, const std::string& output,
                     bool removeInputs) const;
     /// Merges the engine's result files of all batches so far, output name + ".<batch>." + ext,
@@ -371,11 +375,12 @@ public:
     void WriteFinalResult(const std::string& path, const double& unused) const;
     /// Writes m_mapPSMRes into an open file, the candidates of the first m_tPepNum ranks of each
     /// spectrum, spectra in byte order of their titles. Equal scores (to four decimals, rounded)
-    /// share a rank.
+    /// share a rank. The stream's error indicator tells of a failed write.
     void OutputRes(std::FILE* file) const;
 
 private:
     void DropModAddresses();
+    void SortAndClean(bool (*order)(const CPepRes&, const CPepRes&));
 };
 
 }  // namespace tessel

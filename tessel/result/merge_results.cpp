@@ -15,10 +15,6 @@
 namespace tessel {
 namespace {
 
-std::size_t site_count(const CPepRes& pep) {
-    return pep.m_pMods == nullptr ? 0 : pep.m_ucModNum;
-}
-
 bool same_site(const MOD_SITE& a, const MOD_SITE& b) {
     if (a.m_ucPos != b.m_ucPos) return false;
     if (a.m_pMod == nullptr || b.m_pMod == nullptr) return a.m_pMod == b.m_pMod;
@@ -68,8 +64,8 @@ void remove_files(const CCondition& condition, const std::vector<std::string>& p
 
 bool CCondition::_equal_res(const CPepRes& a, const CPepRes& b) const {
     if (std::fabs(a.m_lfPepMass - b.m_lfPepMass) > 0.0001) return false;
-    if (a.m_strSeq != b.m_strSeq || site_count(a) != site_count(b)) return false;
-    return std::equal(a.m_pMods, a.m_pMods + site_count(a), b.m_pMods, same_site);
+    if (a.m_strSeq != b.m_strSeq || a.SiteNum() != b.SiteNum()) return false;
+    return std::equal(a.m_pMods, a.m_pMods + a.SiteNum(), b.m_pMods, same_site);
 }
 
 void CCondition::RemoveRedundancy(std::vector<CPepRes>& peps) const {
@@ -89,9 +85,12 @@ void CCondition::RemoveRedundancy(std::vector<CPepRes>& peps) const {
 }
 
 void CCondition::RemoveRedundancy() {
+    SortAndClean(CPepRes::FinalScoreGreater);
+}
+
+void CCondition::SortAndClean(bool (*order)(const CPepRes&, const CPepRes&)) {
     for (auto& [title, spectrum] : m_mapPSMRes) {
-        std::stable_sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(),
-                         CPepRes::FinalScoreGreater);
+        std::stable_sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(), order);
         RemoveRedundancy(spectrum.m_vPeps);
     }
 }

@@ -14,9 +14,10 @@ namespace tessel {
 namespace {
 
 MOD_SITE* copied_sites(const CPepRes& other) {
-    if (other.m_pMods == nullptr || other.m_ucModNum == 0) return nullptr;
-    MOD_SITE* sites = new MOD_SITE[other.m_ucModNum];
-    std::copy_n(other.m_pMods, other.m_ucModNum, sites);
+    const std::size_t count = other.SiteNum();
+    if (count == 0) return nullptr;
+    MOD_SITE* sites = new MOD_SITE[count];
+    std::copy_n(other.m_pMods, count, sites);
     return sites;
 }
 
@@ -90,7 +91,7 @@ int CPepRes::Clean() {
 
 double CPepRes::GetHash(const GodelCode& code) const {
     std::string bytes = m_strSeq;
-    for (std::size_t i = 0; m_pMods != nullptr && i < m_ucModNum; ++i) {
+    for (std::size_t i = 0; i < SiteNum(); ++i) {
         char address[sizeof(const CMod*)];
         std::memcpy(address, &m_pMods[i].m_pMod, sizeof address);
         bytes += static_cast<char>(m_pMods[i].m_ucPos);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
@@ -55,6 +56,8 @@ public:
     int Assign(const CPepRes& other);
     /// Frees the sites and leaves their count as it is; returns 1.
     int Clean();
+    /// How many sites there are: m_ucModNum, or 0 without an array.
+    std::size_t SiteNum() const { return m_pMods == nullptr ? 0 : m_ucModNum; }
 
     /// Hash of the sequence and its modifications. It takes in the addresses of the CMod records,
     /// so it holds within one loaded modification table only. At most 500 bytes count: one per

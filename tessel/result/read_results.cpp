@@ -106,10 +106,13 @@ private:
         return true;
     }
 
-    // Nothing is reserved for the hits, so that a count the file does not hold costs nothing.
+    // A count that the file cannot hold is refused at once: reading up to the end of the file for
+    // each of many such records would take for ever.
     bool Hits(const std::string& title, CPepRes& pep) {
+        constexpr std::uint64_t kShortestHit = 8;  // a blank and "0;0;A;B"
         int count = 0;
         if (!Number(count) || count < 0) return false;
+        if (!m_cTokens.MayHold(static_cast<std::uint64_t>(count) * kShortestHit)) return false;
         for (int i = 0; i < count; ++i) {
             std::string_view token;
             PRO_INFO hit;
@@ -161,8 +164,8 @@ void report_faults(const CCondition& condition, const std::string& path, bool un
     if (unreadable) condition.Message("Cannot read the result file: " + path, LOG_ALERT);
     if (dropped.m_uCount == 0) return;
     condition.Message(
-        message_text("Malformed records dropped: ", dropped.m_uCount, ", the first on line ",
-                     dropped.m_uFirstLine, " of the result file: ", path),
+        joined_text("Malformed records dropped: ", dropped.m_uCount, ", the first on line ",
+                    dropped.m_uFirstLine, " of the result file: ", path),
         LOG_ALERT);
 }
 
@@ -196,15 +199,6 @@ void load_file(CCondition& condition, const std::string& path, Keep keep) {
         text.LinePiece(token);
     }
     report_faults(condition, path, text.Failed(), dropped);
-}
-
-using PEP_ORDER = bool (*)(const CPepRes&, const CPepRes&);
-
-void sort_and_clean(CCondition& condition, PEP_ORDER order) {
-    for (auto& [title, spectrum] : condition.m_mapPSMRes) {
-        std::stable_sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(), order);
-        condition.RemoveRedundancy(spectrum.m_vPeps);
-    }
 }
 
 }  // namespace
@@ -258,7 +252,7 @@ int CCondition::LoadResult(const std::vector<std::string>& paths, const unsigned
                            const double& maxFinalScore) {
     for (const std::string& path : paths)
         _LoadResult(path, maxPeps, maxFinalScore);
-    sort_and_clean(*this, CPepRes::ScoreGreater);
+    SortAndClean(CPepRes::ScoreGreater);
     return 1;
 }
 
@@ -266,7 +260,7 @@ int CCondition::LoadGroupResult(const std::vector<std::string>& paths, const uns
                                 const double&) {
     for (const std::string& path : paths)
         _LoadGroupResult(path);
-    sort_and_clean(*this, CPepRes::ConfidentByQV);
+    SortAndClean(CPepRes::ConfidentByQV);
     return 1;
 }
 

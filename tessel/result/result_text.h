@@ -9,11 +9,18 @@
 
 #include "tessel/base/line_reader.h"
 #include "tessel/base/text.h"
+#include "tessel/platform/file.h"
 
 namespace tessel {
 
 // The two sources of a result record's fields. A token is a run of characters that are not blank; a
 // run longer than a line piece is cut there, and what follows is the next token.
+
+/// Whether a stream may go on for so many bytes; always for one whose size cannot be told.
+inline bool may_hold(std::FILE* file, std::uint64_t bytes) {
+    const std::uint64_t left = bytes_left(file);
+    return left == 0 || bytes <= left;
+}
 
 /// A whole result file, read in large blocks. It can go back to where the current record began,
 /// because what has been read since then stays in the buffer; the buffer grows only for a record
@@ -72,6 +79,13 @@ public:
         const std::size_t length = m_tNext - begin - (complete ? 1 : 0);
         piece = std::string_view(m_vBuffer.data() + begin, length);
         return true;
+    }
+
+    /// Whether so many bytes may follow. Asks for the size of the file only when it must.
+    bool MayHold(std::uint64_t bytes) const {
+        const std::uint64_t held = m_tEnd - m_tNext;
+        if (bytes <= held) return true;
+        return !m_bFileEnded && may_hold(m_pFile, bytes - held);
     }
 
     /// Reading stopped at an error of the file, not at its end.
@@ -155,6 +169,9 @@ public:
         token = std::string_view(m_pBuffer, length);
         return length > 0;
     }
+
+    /// Whether so many bytes may follow.
+    bool MayHold(std::uint64_t bytes) const { return may_hold(m_pFile, bytes); }
 
 private:
     std::FILE* m_pFile;

@@ -43,7 +43,7 @@ void add_head(std::string& text, const CPSMRes& spectrum) {
 }
 
 void add_sites(std::string& text, const CPepRes& pep) {
-    const std::size_t count = pep.m_pMods == nullptr ? 0 : pep.m_ucModNum;
+    const std::size_t count = pep.SiteNum();
     add_integer(text, count);
     for (std::size_t i = 0; i < count; ++i) {
         const MOD_SITE& site = pep.m_pMods[i];

@@ -24,8 +24,7 @@ inline double protonated_mass(double mz, int charge) {
     return protons * mz - (protons - 1.0) * kProtonMass;
 }
 
-/// The fields of a generated title and its ending: stem.scan.scan.charge... Numbers have 32 bits
-/// and a sign.
+/// Appends one number of a generated title and its dot; titles show numbers as signed 32-bit ones.
 inline void append_title_number(std::string& title, std::uint64_t number) {
     append_integer(title, static_cast<std::int32_t>(number));
     title += '.';
@@ -34,7 +33,7 @@ inline void append_title_number(std::string& title, std::uint64_t number) {
 /// The fault of a file that ends before all its entries were read.
 inline std::string entries_missing(const std::string& path, std::size_t total,
                                    std::size_t consumed) {
-    return message_text(consumed, " of ", total, " entries read, no more are in ", path);
+    return joined_text(consumed, " of ", total, " entries read, no more are in ", path);
 }
 
 }  // namespace tessel

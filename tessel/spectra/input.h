@@ -31,6 +31,8 @@ public:
     virtual bool Close() = 0;
     /// What was wrong with the files read since the last call: one text each, naming the file.
     virtual std::vector<std::string> TakeFaults() = 0;
+    /// Entries may remain by the count, but further calls will not reach them.
+    virtual bool Exhausted() const = 0;
 };
 
 }  // namespace tessel

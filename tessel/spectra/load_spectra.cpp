@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "tessel/base/message_text.h"
 #include "tessel/condition/condition.h"
 #include "tessel/spectra/mgf_input.h"
 #include "tessel/spectra/zb_input.h"
@@ -19,23 +18,6 @@ std::unique_ptr<CInput> make_reader(const std::string& type) {
     if (type == "MGF") return std::make_unique<CMGFInput>();
     if (type == "ZBS") return std::make_unique<CZBSInput>();
     return std::make_unique<CZBInput>();
-}
-
-// Whether a call that read so few entries shows that no later one will read more: a file ends
-// before the entries that it claims, or the batches are too small for the next file of a list.
-// That one is tried twice, for the batch size may change.
-bool comes_to_nothing(const CInput& reader, std::size_t read, std::size_t expected) {
-    if (const auto* list = dynamic_cast<const CZBSInput*>(&reader)) return list->StalledCalls() > 1;
-    return read < std::max<std::size_t>(expected, 1);
-}
-
-// What is wrong when a list yields nothing, told the first time; otherwise empty.
-std::string stall_text(const CInput& reader, std::size_t maxSpec) {
-    const auto* list = dynamic_cast<const CZBSInput*>(&reader);
-    if (list == nullptr || list->StalledCalls() != 1) return std::string();
-    const std::size_t file = list->m_tFileIdx;
-    return message_text("maxspec ", maxSpec, " is less than the ", list->m_vFileSpecNum[file],
-                        " entries of ", list->m_vFiles[file]);
 }
 
 void drop_implausible(std::vector<CSpectrum>& spectra) {
@@ -72,18 +54,10 @@ bool CCondition::LoadSpectra(bool bAll) {
         m_tBatchNo = 0;
     }
 
-    const std::size_t wanted = bAll ? m_tTotalSpec : m_nMaxSpec;
-    const std::size_t expected = std::min(wanted, m_tTotalSpec - m_tLoadedSpec);
-    const std::size_t read = m_pSpecReader->Browse(m_vSpectra, wanted);
-    m_tLoadedSpec += read;
+    m_tLoadedSpec += m_pSpecReader->Browse(m_vSpectra, bAll ? m_tTotalSpec : m_nMaxSpec);
     m_tBatchNo += 1;
-    const auto report = [this](const std::string& fault) {
-        Message("Spectrum file of type " + m_strMSMSType + ": " + fault, LOG_ALERT);
-    };
     for (const std::string& fault : m_pSpecReader->TakeFaults())
-        report(fault);
-    const std::string stall = stall_text(*m_pSpecReader, m_nMaxSpec);
-    if (!stall.empty()) report(stall);
+        Message("Spectrum file of type " + m_strMSMSType + ": " + fault, LOG_ALERT);
 
     drop_implausible(m_vSpectra);
     if (!m_vSpectra.empty()) {
@@ -92,9 +66,7 @@ bool CCondition::LoadSpectra(bool bAll) {
         m_lfBatchMassUpper = std::min(range.m_lfUpper, m_lfMassUpper);
     }
 
-    if (m_tLoadedSpec < m_tTotalSpec && !comes_to_nothing(*m_pSpecReader, read, expected)) {
-        return true;
-    }
+    if (m_tLoadedSpec < m_tTotalSpec && !m_pSpecReader->Exhausted()) return true;
     m_pSpecReader->Close();
     m_pSpecReader.reset();
     return false;

@@ -32,6 +32,7 @@ public:
     std::size_t Count(const std::string& path) override;
     bool Close() override;
     std::vector<std::string> TakeFaults() override;
+    bool Exhausted() const override { return m_fp == nullptr; }  ///< none is open: it ended early
 
     std::FILE* m_fp = nullptr;   ///< the open file, owned, or null
     std::string m_strPath;       ///< as given to Count()

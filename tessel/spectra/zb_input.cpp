@@ -74,7 +74,7 @@ std::size_t CZBInput::Count(const std::string& path) {
     const std::uint64_t most = m_uLeft / kSmallestEntry;
     if (m_tSpecNum > most) {
         m_vFaults.push_back(
-            message_text(m_tSpecNum, " entries announced, at most ", most, " fit into ", path));
+            joined_text(m_tSpecNum, " entries announced, at most ", most, " fit into ", path));
     }
     return m_tSpecNum;
 }

@@ -58,6 +58,11 @@ std::size_t CZBSInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     }
     const bool stalled = m_tCurIdx == first && m_tCurIdx < m_tSpecNum;
     m_tStalledCalls = stalled ? m_tStalledCalls + 1 : 0;
+    if (m_tStalledCalls == 1) {
+        m_vFaults.push_back(joined_text("maxspec ", num, " is less than the ",
+                                        m_vFileSpecNum[m_tFileIdx], " entries of ",
+                                        m_vFiles[m_tFileIdx]));
+    }
     return m_tCurIdx - first;
 }
 
@@ -69,7 +74,7 @@ void CZBSInput::OpenFile() {
     const std::size_t entries = m_pReader->Count(file);
     TakeFaultsOf(*m_pReader);
     if (entries != counted) {
-        NoteFault(message_text(entries, " entries, no longer ", counted, ", are in ", file));
+        NoteFault(joined_text(entries, " entries, no longer ", counted, ", are in ", file));
     }
 }
 

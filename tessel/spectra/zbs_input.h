@@ -24,6 +24,9 @@ public:
     std::size_t Count(const std::string& path) override;
     bool Close() override;
     std::vector<std::string> TakeFaults() override;
+    /// After the second call of Browse() in a row that consumed nothing: the batch size, which may
+    /// change after the first one, is too small for the next file.
+    bool Exhausted() const override { return m_tStalledCalls > 1; }
 
     /// How many calls of Browse() in a row have consumed nothing although entries remain.
     std::size_t StalledCalls() const { return m_tStalledCalls; }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
@@ -930,6 +931,24 @@ TEST_F(read_results, last_spectrum_of_a_title_wins_with_one_warning) {
     EXPECT_EQ(Results().at("a").m_nCharge, 6);
     EXPECT_EQ(Results().at("b").m_lfMH, 5.0);
     EXPECT_EQ(Results().at("c").m_nCharge, 4);
+}
+
+// Each row begins a record that claims more hits than the file holds. Reading on to the end for
+// every one of them would take minutes.
+TEST(result_text, hit_counts_beyond_the_file_are_refused_at_once) {
+    const test::CTempFolder folder;
+    std::string text = "S\t1\t2\nt\n";
+    for (int i = 0; i < 20'000; ++i)
+        text +=
+            "0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A 0;1;A;A "
+            "2000000000;1;A;A\n";
+    CCondition condition;
+    const auto start = std::chrono::steady_clock::now();
+    const std::string output = test::captured_output(
+        [&] { condition._LoadResult(folder.Write("hostile", text), 10, 1.0); });
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_NE(output.find("Malformed records dropped: 20000, the first on line 3"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -256,10 +256,18 @@ TEST(load_spectra, fewer_blocks_than_begin_lines_end_the_loading) {
         int calls = 1;
         while (search.Load())
             ASSERT_LT(++calls, 10);
-        EXPECT_NE(search.m_strOutput.find("3 of 5 entries read") != std::string::npos, size == 0);
+        EXPECT_NE(search.m_strOutput.find("3 of 5 entries read"), std::string::npos) << size;
         EXPECT_EQ(search.m_cCondition.m_tLoadedSpec, 3u);
         EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr);
     }
+}
+
+TEST(load_spectra, file_cut_off_in_a_batch_of_size_zero_ends_the_loading) {
+    CSearch search("BEGIN\nBEGIN\nEND\nBEGIN\nEND\n");
+    search.m_cCondition.m_nMaxSpec = 0;
+    EXPECT_FALSE(search.Load());
+    EXPECT_EQ(search.m_cCondition.m_vSpectra.size(), 2u);
+    EXPECT_EQ(search.m_cCondition.m_pSpecReader, nullptr);
 }
 
 TEST(load_spectra, every_type_but_mgf_and_zbs_is_zb2) {
@@ -430,14 +438,15 @@ TEST(load_spectra, list_of_unreadable_files_is_reported_file_by_file) {
                                       alert("Spectrum file of type ZBS: cannot open " + b));
 }
 
-TEST(load_spectra, message_with_numbers_is_cut_behind_them) {
-    CSearch search("BEGIN\nBEGIN\n");
-    const std::string longName(200, 'x');
+TEST(load_spectra, long_path_in_a_message_is_whole) {
+    CSearch search("");
     CCondition& condition = search.m_cCondition;
-    condition.m_strMSMSPath = search.m_cFolder.Path() + "/./././" + longName;
+    condition.m_strMSMSPath = search.m_cFolder.Path() + "/./././" + std::string(240, 'x');
     test::write_file(condition.m_strMSMSPath, "BEGIN\nBEGIN\n");
     EXPECT_FALSE(search.Load());
-    EXPECT_NE(search.m_strOutput.find(": 1 of 2 entries read"), std::string::npos);
+    EXPECT_NE(search.m_strOutput.find("1 of 2 entries read, no more are in " +
+                                      condition.m_strMSMSPath + '\n'),
+              std::string::npos);
 }
 
 TEST(load_spectra, condition_with_an_open_reader_ends_cleanly) {
