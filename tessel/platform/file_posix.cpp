@@ -50,12 +50,6 @@ bool open_stream(std::ifstream& stream, const std::string& path) {
     return stream.is_open();
 }
 
-bool close_file(FilePtr file) {
-    std::FILE* stream = file.release();
-    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
-    return std::fclose(stream) == 0 && written;
-}
-
 std::uint64_t bytes_left(std::FILE* file) {
     struct stat status;
     const off_t position = ftello(file);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <tuple>
 #include <utility>
 
 #include "tessel/space/godel_code.h"
@@ -17,6 +18,15 @@ MOD_SITE* copied_sites(const CPepRes& other) {
     MOD_SITE* sites = new MOD_SITE[other.m_ucModNum];
     std::copy_n(other.m_pMods, other.m_ucModNum, sites);
     return sites;
+}
+
+// Every field but the sites, whose array needs more than a copy.
+template <class Pep>
+auto fields_but_sites(Pep& pep) {
+    return std::tie(pep.m_lfScore, pep.m_lfSubScores, pep.m_lfFinalScore, pep.m_lfQValue,
+                    pep.m_lfPepMass, pep.m_lfMassDev, pep.m_strSeq, pep.m_ucModNum, pep.m_ucAux0,
+                    pep.m_ucAuxMax, pep.m_bDecoy, pep.m_ucAux1, pep.m_setProteins, pep.m_vstrExtra,
+                    pep.m_ucAux2, pep.m_nAuxA, pep.m_nAuxB);
 }
 
 // Negative when a goes before b, positive when b does, 0 when the scores tie. A NaN goes last.
@@ -40,47 +50,13 @@ bool tie_break(const CPepRes& a, const CPepRes& b) {
 
 }  // namespace
 
-CPepRes::CPepRes(const CPepRes& other)
-    : m_lfScore(other.m_lfScore),
-      m_lfSubScores(other.m_lfSubScores),
-      m_lfFinalScore(other.m_lfFinalScore),
-      m_lfQValue(other.m_lfQValue),
-      m_lfPepMass(other.m_lfPepMass),
-      m_lfMassDev(other.m_lfMassDev),
-      m_strSeq(other.m_strSeq),
-      m_pMods(nullptr),
-      m_ucModNum(other.m_ucModNum),
-      m_ucAux0(other.m_ucAux0),
-      m_ucAuxMax(other.m_ucAuxMax),
-      m_bDecoy(other.m_bDecoy),
-      m_ucAux1(other.m_ucAux1),
-      m_setProteins(other.m_setProteins),
-      m_vstrExtra(other.m_vstrExtra),
-      m_ucAux2(other.m_ucAux2),
-      m_nAuxA(other.m_nAuxA),
-      m_nAuxB(other.m_nAuxB) {
-    m_pMods = copied_sites(other);  // last: nothing behind it can throw and leak it
+CPepRes::CPepRes(const CPepRes& other) : CPepRes() {
+    fields_but_sites(*this) = fields_but_sites(other);
+    m_pMods = copied_sites(other);
 }
 
-CPepRes::CPepRes(CPepRes&& other) noexcept
-    : m_lfScore(other.m_lfScore),
-      m_lfSubScores(other.m_lfSubScores),
-      m_lfFinalScore(other.m_lfFinalScore),
-      m_lfQValue(other.m_lfQValue),
-      m_lfPepMass(other.m_lfPepMass),
-      m_lfMassDev(other.m_lfMassDev),
-      m_strSeq(std::move(other.m_strSeq)),
-      m_pMods(std::exchange(other.m_pMods, nullptr)),
-      m_ucModNum(other.m_ucModNum),
-      m_ucAux0(other.m_ucAux0),
-      m_ucAuxMax(other.m_ucAuxMax),
-      m_bDecoy(other.m_bDecoy),
-      m_ucAux1(other.m_ucAux1),
-      m_setProteins(std::move(other.m_setProteins)),
-      m_vstrExtra(std::move(other.m_vstrExtra)),
-      m_ucAux2(other.m_ucAux2),
-      m_nAuxA(other.m_nAuxA),
-      m_nAuxB(other.m_nAuxB) {
+CPepRes::CPepRes(CPepRes&& other) noexcept : CPepRes() {
+    *this = std::move(other);
 }
 
 CPepRes& CPepRes::operator=(const CPepRes& other) {
@@ -88,27 +64,12 @@ CPepRes& CPepRes::operator=(const CPepRes& other) {
     return *this;
 }
 
+// What was here goes with the other one.
 CPepRes& CPepRes::operator=(CPepRes&& other) noexcept {
-    if (this == &other) return *this;
-    m_lfScore = other.m_lfScore;
-    m_lfSubScores = other.m_lfSubScores;
-    m_lfFinalScore = other.m_lfFinalScore;
-    m_lfQValue = other.m_lfQValue;
-    m_lfPepMass = other.m_lfPepMass;
-    m_lfMassDev = other.m_lfMassDev;
-    m_strSeq = std::move(other.m_strSeq);
-    delete[] m_pMods;
-    m_pMods = std::exchange(other.m_pMods, nullptr);
-    m_ucModNum = other.m_ucModNum;
-    m_ucAux0 = other.m_ucAux0;
-    m_ucAuxMax = other.m_ucAuxMax;
-    m_bDecoy = other.m_bDecoy;
-    m_ucAux1 = other.m_ucAux1;
-    m_setProteins = std::move(other.m_setProteins);
-    m_vstrExtra = std::move(other.m_vstrExtra);
-    m_ucAux2 = other.m_ucAux2;
-    m_nAuxA = other.m_nAuxA;
-    m_nAuxB = other.m_nAuxB;
+    auto mine = fields_but_sites(*this);
+    auto theirs = fields_but_sites(other);
+    mine.swap(theirs);
+    std::swap(m_pMods, other.m_pMods);
     return *this;
 }
 

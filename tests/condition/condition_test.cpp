@@ -101,8 +101,11 @@ TEST(condition, fresh_object_has_the_default_texts_and_empty_tables) {
     EXPECT_TRUE(fresh.m_mapModLabel.empty() && fresh.m_vExtendedAA.empty());
     EXPECT_TRUE(fresh.m_vEAAMassIndex.empty());
     EXPECT_EQ(fresh.m_pSpecReader, nullptr);
-    for (const double mass : fresh.m_cAlphaBet.m_lfMass)
+    const CAlphaBet& residues = fresh.m_cAlphaBet;
+    for (const double mass : residues.m_lfMass)
         EXPECT_EQ(mass, 0.0);
+    for (const std::string& composition : residues.m_strComposition)
+        EXPECT_EQ(composition, "");
 }
 
 TEST(condition, fresh_object_cuts_by_trypsin_and_owns_its_loader) {

@@ -156,6 +156,35 @@ TEST(condition_reader, condition_before_reading_has_the_defaults_of_the_object) 
     EXPECT_EQ(settings_of(reader.m_cCondition), settings_of(fresh));
 }
 
+TEST(condition_reader, each_step_reads_its_sections_alone) {
+    test::CParameterFile file;
+    file.Set("param", "multip=7\n").Set("engine", "max_round=8\n").Set("filter", "len_lower=9\n");
+    file.Set("quant", "label_id=3\n").Set("system", "log=LOG_ALERT\n");
+    struct {
+        void (CConditionReader::*step)();
+        const char* key;
+        const char* value;
+    } rows[] = {
+        {&CConditionReader::_LoadParam, "multip", "7"},
+        {&CConditionReader::_LoadEngine, "max_round", "8"},
+        {&CConditionReader::_LoadFilter, "len_lower", "9"},
+        {&CConditionReader::_LoadQuant, "label_id", "3"},
+        {&CConditionReader::_LoadSystem, "log", "0"},
+        {&CConditionReader::_LoadData, "outputname", "test"},
+    };
+    const auto fresh = test::settings_of(CCondition());
+    for (const auto& read : rows) {
+        CConditionReader reader(file.Write());
+        (reader.*read.step)();
+        const auto settings = test::settings_of(reader.m_cCondition);
+        for (const auto& other : rows) {
+            const std::string expected =
+                other.key == read.key ? std::string(read.value) : fresh.at(other.key);
+            EXPECT_EQ(settings.at(other.key), expected) << read.key << " " << other.key;
+        }
+    }
+}
+
 TEST(condition_reader, every_key_of_param_sets_its_field) {
     expect_settings({
         {"param", "multip=4", "4"},

@@ -637,5 +637,26 @@ TEST(condition_writer, counts_beyond_an_int_are_read_back_as_the_largest) {
     EXPECT_EQ(reader.m_cCondition.m_tMaxProLen, 2147483647u);
 }
 
+TEST(condition_writer, each_step_appends_its_section) {
+    const CCondition condition;
+    const CConditionWriter writer("unused", &condition);
+    struct {
+        void (CConditionWriter::*step)(std::string&) const;
+        const char* begin;
+    } rows[] = {
+        {&CConditionWriter::_WriteParam, "x[param]\n\n##Number of Processor\n"},
+        {&CConditionWriter::_WriteEngine, "x[engine]\n\n##Open Search or Not\n"},
+        {&CConditionWriter::_WriteFilter, "x[filter]\n\n##The FDR Threshold, Usually 0.01\n"},
+        {&CConditionWriter::_WriteData, "x[file]\n\n##Fasta File Path[IMPORTANT!]\n"},
+        {&CConditionWriter::_WriteQuant, "x[quant]\n\n##Quantification Method\n"},
+        {&CConditionWriter::_WriteSystem, "x[system]\nlog=LOG_INFO\n"},
+    };
+    for (const auto& row : rows) {
+        std::string text = "x";
+        (writer.*row.step)(text);
+        EXPECT_TRUE(text.starts_with(row.begin)) << text;
+    }
+}
+
 }  // namespace
 }  // namespace tessel

@@ -231,5 +231,11 @@ TEST(option_tool, every_lookup_reads_the_file_as_it_is_then) {
     EXPECT_EQ(tool.GetString("thread", "default"), "");
 }
 
+TEST(option_tool, keeps_the_path_and_the_section_as_given) {
+    const COptionTool tool("a\\b.param", "param");
+    EXPECT_EQ(tool.m_strPath, "a\\b.param");
+    EXPECT_EQ(tool.m_strSection, "param");
+}
+
 }  // namespace
 }  // namespace tessel

@@ -144,7 +144,7 @@ TEST(pep_res, assign_onto_a_record_with_sites_frees_them) {
     EXPECT_EQ(target.m_ucModNum, 0);
 }
 
-TEST(pep_res, moving_hands_the_sites_over) {
+TEST(pep_res, moving_hands_the_sites_over_and_keeps_both_records_whole) {
     const CMod mod;
     CPepRes source = full(&mod);
     const MOD_SITE* const sites = source.m_pMods;
@@ -153,7 +153,7 @@ TEST(pep_res, moving_hands_the_sites_over) {
     CPepRes target = full(nullptr);
     target = std::move(constructed);
     EXPECT_EQ(target.m_pMods, sites);
-    EXPECT_EQ(constructed.m_pMods, nullptr);
+    expect_full(constructed, nullptr);
     expect_full(target, &mod);
 }
 

@@ -82,6 +82,7 @@ TEST(enzyme, init_forgets_the_enzyme_before) {
 
 TEST(enzyme, info_string_is_the_definition_as_given) {
     EXPECT_EQ(enzyme("  Trypsin\tKR  _ C  junk ").InfoString(), "  Trypsin\tKR  _ C  junk ");
+    EXPECT_EQ(enzyme("  Trypsin\tKR  _ C  junk ").m_strInfo, "  Trypsin\tKR  _ C  junk ");
     EXPECT_EQ(enzyme("  Trypsin\tKR  _ C  junk ").m_strName, "Trypsin");
 }
 

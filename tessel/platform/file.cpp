@@ -1,0 +1,13 @@
+// The part of file access that is the same on every system.
+
+#include "tessel/platform/file.h"
+
+namespace tessel {
+
+bool close_file(FilePtr file) {
+    std::FILE* stream = file.release();
+    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    return std::fclose(stream) == 0 && written;
+}
+
+}  // namespace tessel
