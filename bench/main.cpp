@@ -62,6 +62,14 @@ std::vector<HOT_PATH> small_paths() {
             batches_path(300, 100)};
 }
 
+// The table's, and what is profiled beside them.
+std::vector<HOT_PATH> large_paths() {
+    std::vector<HOT_PATH> paths = all_paths();
+    paths.push_back(initialize_path());
+    paths.push_back(batches_path(30000, 10000));
+    return paths;
+}
+
 // Each size four times the one before, combinations apart.
 std::vector<std::vector<HOT_PATH>> growing_paths() {
     return {{mgf_path(7500), mgf_path(30000), mgf_path(120000)},
@@ -169,7 +177,7 @@ int measure_growth(const OPTIONS& options) {
 }
 
 int run_once(const OPTIONS& options) {
-    for (const HOT_PATH& path : options.m_bLarge ? all_paths() : small_paths()) {
+    for (const HOT_PATH& path : options.m_bLarge ? large_paths() : small_paths()) {
         if (path.m_strName != options.m_strOnce) continue;
         CRound round(true);
         path.m_fnLibrary(round);

@@ -27,7 +27,7 @@ measure() {
 
 # Targets and decoys on one line each, the decoys' names marked.
 seqkit_decoys() {
-    local one_line=(--threads 1 --line-width 0)
+    local one_line=(--line-width 0)
     seqkit seq "${one_line[@]}" "$fasta"
     seqkit seq "${one_line[@]}" --reverse --seq-type protein "$fasta" |
         seqkit replace "${one_line[@]}" --pattern '^' --replacement REV_
