@@ -81,4 +81,10 @@ inline std::string fixed_text(double value, int decimals) {
     return text;
 }
 
+/// The shortest text that reads back as the same double.
+inline std::string shortest_text(double value) {
+    char digits[32];
+    return std::string(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
 }  // namespace tessel

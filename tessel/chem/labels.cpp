@@ -138,7 +138,7 @@ void CCondition::GenTmpMod(const std::size_t& labelIndex) {
     for (const CMod& mod : m_vMods) {
         const WEIGHED heavy = relabelled(mod, m_mapModLabel, m_mapElementMass);
         if (heavy.m_bReplaced) {
-            CMod& labelled = add(mod, static_cast<int>(labelIndex) + 1);
+            CMod& labelled = add(mod, static_cast<int>(labelIndex + 1));
             labelled.m_lfMass = heavy.m_lfMass;
             labelled.m_strComposition = heavy.m_strComposition;
         }

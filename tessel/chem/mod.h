@@ -35,8 +35,9 @@ public:
 
     /// The definition as a line of the modification table, without a line end:
     /// name=sites, position, mass, mass, number of losses, each loss twice, composition; separated
-    /// by tabs, masses with six decimals. The average masses, which the table's readers skip,
-    /// repeat the monoisotopic ones. A type that has no position word is written as NORMAL.
+    /// by tabs, two of them behind the number of losses; masses with six decimals. The average
+    /// masses, which the table's readers skip, repeat the monoisotopic ones. A type that has no
+    /// position word is written as NORMAL.
     std::string GetLine() const;
 
     /// Lighter first, masses that are not finite last. Equal masses compare false both ways.

@@ -63,10 +63,9 @@ void create_shifts(const CCondition& condition, std::vector<CMod>& shifts) {
     const double maxDelta = condition.m_lfMaxDelta;
     const std::size_t number = number_of_shifts(maxDelta);
     if (!std::isfinite(maxDelta) || number > kMaxShifts) {
-        std::string value;
-        append_general(value, maxDelta);
-        condition.Message("Invalid_Max_Delta: " + value + ", no mass shifts are created",
-                          LOG_ALERT);
+        condition.Message(
+            "Invalid_Max_Delta: " + shortest_text(maxDelta) + ", no mass shifts are created",
+            LOG_ALERT);
         return;
     }
     CMod mod;
@@ -242,7 +241,7 @@ void CCondition::HandleSelectMod() {
         for (const char site : mod->m_strSites) {
             if (!is_residue(site, m_cAlphaBet)) continue;
             m_vExtendedAA.push_back(
-                extended(site, m_cAlphaBet, m_mapMods[mod->m_strName], mod->m_lfMass));
+                extended(site, m_cAlphaBet, mod_of_name(m_mapMods, mod->m_strName), mod->m_lfMass));
         }
     }
     rank_letters(*this, m_vExtendedAA);
@@ -267,7 +266,7 @@ void CCondition::CreateSelModMap() {
 
 std::string CCondition::_get_labeled_mod_name(const std::string& name,
                                               const int& labelNumber) const {
-    return name + '#' + static_cast<char>('0' + labelNumber);
+    return name + '#' + static_cast<char>('0' + static_cast<unsigned>(labelNumber));
 }
 
 bool CCondition::SetSelMod(const std::size_t& maxMods) {

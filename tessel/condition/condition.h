@@ -34,7 +34,8 @@ namespace tessel {
 ///
 /// The values below are those of a fresh object. A parameter file that leaves a key out may set
 /// another one, on purpose: "temppepnum" 50, "maxprolen" 1000000, "max_clv_sites" 2, "rest_tag_len"
-/// 4, "rest_mod_num" 10, "outputname" "test", "quant" "1|None" and "msmstype" "MGF" among them.
+/// 4, "rest_mod_num" 10, "salvo_iteration" false, "outputname" "test", "quant" "1|None",
+/// "label_name" "None" and "msmstype" "MGF" among them.
 class TESSEL_API CCondition {
 public:
     double m_lfPrecursorTol = 20.0;  ///< precursor tolerance, ppm or Da by m_bPrecursorPPM; "mstol"
@@ -179,6 +180,7 @@ public:
 
     /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes
     /// stale whatever points into m_vMods until CreateModList() has run, and empties m_setFixMods.
+    /// A file that is there but cannot be read is an alert, and leaves m_vMods empty.
     void ReadMod();
 
     // ---- Modification selection: chem/mod_selection.cpp ----
@@ -191,8 +193,10 @@ public:
     /// A mass shift range that is not finite or would hold more than 10 million shifts, and a mass
     /// that no lookup table can reach, are reported; that table stays empty.
     void CreateModList();
-    /// Appends the selections that `names` lists, ";" between them. Two ";" side by side spoil the
-    /// name behind them, which then matches nothing: users' files count on that.
+    /// Appends the selections that `names` lists, ";" between them, to m_vSelMods, and if they are
+    /// fixed to m_setFixMods: each name as it stands and in its labelled forms #0, #1, ... Needs
+    /// m_mapMods. A name without any of them is a warning. Two ";" side by side spoil the name
+    /// behind them, which then matches nothing: users' files count on that.
     void _parse_mod(const std::string& names, bool isFixed);
     /// Drops repeated selections, fills m_vSelModMap, and adds the residues, alone and with each
     /// selected modification, to the extended alphabet.
@@ -203,9 +207,11 @@ public:
     /// number 0, which is the unlabelled form.
     std::string _get_labeled_mod_name(const std::string& name, const int& labelNumber) const;
     /// Adds the selections of the learn file (output path + output name + ".learn"), until
-    /// `maxMods` modifications are selected, and the common ones that every open search considers;
-    /// takes over the learned probabilities and cleavage coefficients. False, and nothing changed,
-    /// when the file cannot be opened.
+    /// `maxMods` modifications are selected, those of before included, but at least one; then the
+    /// common ones that every open search considers. Takes over the learned cleavage coefficients
+    /// and probabilities; a probability that cannot be read stays as it was, its modification is
+    /// selected all the same. An unknown name is a warning. False, and nothing changed, when the
+    /// file cannot be opened.
     bool SetSelMod(const std::size_t& maxMods);
 
     // ---- Quantitation labels: chem/labels.cpp ----
@@ -238,15 +244,15 @@ public:
     /// missing file ends the process with status 1.
     void ReLoadAllMods();
     /// Amino-acid table of a label: output path + number + ".aa". The first label, index 0, has
-    /// number 1. No separator is added to the output path.
+    /// number 1; the number has 32 bits. No separator is added to the output path.
     std::string GetTmpAAPath(const std::size_t& labelIndex) const;
     /// Modification table of a label: likewise with ".mod".
     std::string GetTmpModPath(const std::size_t& labelIndex) const;
     /// Writes m_cAlphaBet, all 26 letters, as amino-acid table of a label. Letters that were never
-    /// defined have no composition. A file that cannot be written is an alert.
+    /// defined have no composition. A file that cannot be written is an alert. The label's name is
+    /// empty for an index beyond m_vLabels.
     void WriteAA(const std::size_t& labelIndex) const;
-    /// Writes m_vMods as modification table of a label. m_nFlag survives from 0 to 99. A file that
-    /// cannot be written is an alert.
+    /// Writes m_vMods as modification table of a label, likewise. m_nFlag survives from 0 to 99.
     void WriteMod(const std::size_t& labelIndex) const;
 
     // ---- Modification combinations: space/mod_combinations.cpp ----

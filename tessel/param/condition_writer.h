@@ -20,8 +20,8 @@ public:
     /// Replaces the file. One that cannot be opened is left alone, without a message; one that
     /// cannot be written completely is an alert.
     /// The last line tells when "Corvid.exe" in the working folder was modified, in local time:
-    /// year, month, day, hour, minute and second, "." between. Without that program it is the
-    /// start of 1970 in UTC.
+    /// year, month, day, hour, minute and second, "." between. Without that program it is time
+    /// zero, the start of 1970 in UTC, in local time as well.
     void Write() const;
 
     /// The steps of Write(), in its order: each appends the section of its name, _WriteData() the

@@ -7,10 +7,11 @@
 namespace tessel {
 
 /// Looks single keys up in a sectioned text file of key=value lines.
-/// A section begins at a line that starts with its name in brackets, whatever follows. A key is the
-/// text before the first "=" of its line, without blanks around it, and is searched from its
-/// section to the end of the file: one that stands only in a later section is found there. The
-/// value is everything behind "=", blanks included. Lines over 81919 characters count as several.
+/// A section begins at a line that starts with its name in brackets, whatever follows. A key is
+/// found in a line that starts with the key and "="; blanks on either side of the key make it no
+/// match. It is searched from its section to the end of the file: one that stands only in a later
+/// section is found there. The value is everything behind "=", blanks included. Lines over 81919
+/// characters count as several.
 /// Every lookup opens and scans the file anew; parameter files are small.
 class TESSEL_API COptionTool {
 public:

@@ -444,6 +444,7 @@ TEST(mass_shifts, impossible_ranges_are_reported_and_give_none) {
                 {std::numeric_limits<double>::infinity(), "inf"},
                 {-std::numeric_limits<double>::infinity(), "-inf"},
                 {50001.0, "50001"},
+                {50000.01, "50000.01"},
                 {1e300, "1e+300"}};
     for (const auto& row : rows) {
         CTables tables;
