@@ -1,8 +1,11 @@
 #include "tessel/base/number.h"
 
+#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+
+#include "tessel/base/little_endian.h"
 
 namespace tessel {
 namespace {
@@ -31,30 +34,65 @@ std::int64_t magnitude_of(const char* first, const char* last) {
     return beforePoint - zerosBehindPoint + exponent;
 }
 
+constexpr std::ptrdiff_t kExactDigits = 15;  // a double holds every integer of so many
 constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
+// The next eight characters as one number, the first one in its low byte; behind the end, zeros.
+std::uint64_t next_eight(const char* c, const char* last) {
+    const std::ptrdiff_t left = last - c;
+    if (left >= 8) return little_endian_64(c);
+    if (left >= 4) {
+        return little_endian_32(c) | std::uint64_t{little_endian_32(last - 4)} << (8 * (left - 4));
+    }
+    std::uint64_t eight = 0;
+    for (std::ptrdiff_t i = 0; i < left; ++i)
+        eight |= std::uint64_t{static_cast<unsigned char>(c[i])} << (8 * i);
+    return eight;
+}
+
+// A run of digits, up to eight at a time: lengths differ from number to number, so that a loop over
+// single digits would spend most of its time on mispredicted ends.
+struct DIGIT_RUN {
+    std::uint64_t m_uValue = 0;
+    std::ptrdiff_t m_nCount = 0;
+
+    const char* Read(const char* c, const char* last) {
+        for (std::ptrdiff_t count = 8; count == 8 && m_nCount <= kExactDigits; m_nCount += count) {
+            constexpr std::uint64_t kHighBits = 0x8080808080808080;
+            const std::uint64_t digits = next_eight(c, last) ^ 0x3030303030303030;  // '0'
+            // The lowest high bit belongs to the first character that is no digit.
+            const std::uint64_t others = (digits | (digits + 0x7676767676767676)) & kHighBits;
+            count = others == 0 ? 8 : std::countr_zero(others) / 8;
+            if (count == 0) break;
+            m_uValue = m_uValue * static_cast<std::uint64_t>(kPowersOfTen[count]) +
+                       joined(digits << (8 * (8 - count)));
+            c += count;
+        }
+        return c;
+    }
+
+private:
+    // Eight digits, the first in the low byte: by pairs, fours, all.
+    static std::uint64_t joined(std::uint64_t digits) {
+        digits = (digits & 0x0F0F0F0F0F0F0F0F) * (10 * 256 + 1) >> 8;
+        digits = (digits & 0x00FF00FF00FF00FF) * (100 * 65536 + 1) >> 16;
+        return (digits & 0x0000FFFF0000FFFF) * (10000ull * 4294967296 + 1) >> 32;
+    }
+};
+
 // Reads plain decimals of at most 15 digits, which are most numbers of any file: digits and power
 // of ten are exact doubles then, so one division rounds as the standard asks. Null for anything
-// else. Four times as fast as from_chars, which makes a quarter of the time of reading spectra.
+// else. Several times as fast as from_chars, which would make a third of the time of reading
+// spectra.
 const char* read_short_decimal(const char* first, const char* last, double& value) {
-    constexpr std::ptrdiff_t kExactDigits = 15;
-    std::uint64_t digits = 0;
-    const char* c = first;
-    for (; c != last && is_digit(*c); ++c)
-        digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
-    std::ptrdiff_t count = c - first;
-    std::ptrdiff_t decimals = 0;
-    if (c != last && *c == '.') {
-        const char* const point = c++;
-        for (; c != last && is_digit(*c); ++c)
-            digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
-        decimals = c - point - 1;
-        count += decimals;
-    }
-    if (count == 0 || count > kExactDigits) return nullptr;
+    DIGIT_RUN digits;
+    const char* c = digits.Read(first, last);
+    const std::ptrdiff_t whole = digits.m_nCount;
+    if (c != last && *c == '.') c = digits.Read(c + 1, last);
+    if (digits.m_nCount == 0 || digits.m_nCount > kExactDigits) return nullptr;
     if (c != last && lower(*c) == 'e') return nullptr;
-    value = static_cast<double>(digits) / kPowersOfTen[decimals];
+    value = static_cast<double>(digits.m_uValue) / kPowersOfTen[digits.m_nCount - whole];
     return c;
 }
 

@@ -90,8 +90,12 @@ void CCondition::RemoveRedundancy() {
 
 void CCondition::SortAndClean(bool (*order)(const CPepRes&, const CPepRes&)) {
     for (auto& [title, spectrum] : m_mapPSMRes) {
-        std::stable_sort(spectrum.m_vPeps.begin(), spectrum.m_vPeps.end(), order);
-        RemoveRedundancy(spectrum.m_vPeps);
+        std::vector<CPepRes>& peps = spectrum.m_vPeps;
+        // Engines write candidates in rank order; sorting what is in order would move them twice.
+        if (!std::is_sorted(peps.begin(), peps.end(), order)) {
+            std::stable_sort(peps.begin(), peps.end(), order);
+        }
+        RemoveRedundancy(peps);
     }
 }
 

@@ -20,6 +20,10 @@
 namespace tessel {
 namespace {
 
+// A spectrum has about so many candidates; growing a list of them one by one would cost as much as
+// reading them.
+constexpr std::size_t kUsualPeps = 10;
+
 // "key;site;previous;next": the two residues may be any characters, ";" included.
 bool parse_hit(std::string_view token, PRO_INFO& hit) {
     const char* const last = token.data() + token.size();
@@ -232,6 +236,7 @@ int CCondition::_LoadResult(const std::string& path, const unsigned long long& m
                             const double& maxFinalScore) {
     load_file(*this, path, [&](std::vector<CPepRes>& peps, CPepRes&& pep) {
         if (peps.size() >= maxPeps || pep.m_lfFinalScore > maxFinalScore) return;
+        if (peps.empty()) peps.reserve(std::min<std::size_t>(maxPeps, kUsualPeps));
         peps.push_back(std::move(pep));
     });
     return 1;
