@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
 
 #include "tessel/base/message_text.h"
@@ -105,9 +106,17 @@ private:
     bool Site(MOD_SITE& site) {
         std::string_view name;
         if (!Byte(site.m_ucPos) || !m_cTokens.Token(name)) return false;
-        m_strName = name;
-        site.m_pMod = m_cCondition.m_mapMods.try_emplace(m_strName, nullptr).first->second;
+        site.m_pMod = Modification(name);
         return true;
+    }
+
+    // A file names the same few modifications again and again, out of a hundred thousand.
+    const CMod* Modification(std::string_view name) {
+        if (const auto known = m_mapKnown.find(name); known != m_mapKnown.end()) {
+            return known->second;
+        }
+        const auto [entry, isNew] = m_cCondition.m_mapMods.try_emplace(std::string(name), nullptr);
+        return m_mapKnown.emplace(entry->first, entry->second).first->second;
     }
 
     // A count that the file cannot hold is refused at once: reading up to the end of the file for
@@ -131,7 +140,7 @@ private:
 
     CCondition& m_cCondition;
     Tokens& m_cTokens;
-    std::string m_strName;  // keeps its memory from one lookup to the next
+    std::unordered_map<std::string_view, const CMod*> m_mapKnown;  // keys lie in m_mapMods
 };
 
 // A spectrum head, its "S" already taken: mass and charge on the rest of that line, the title on
