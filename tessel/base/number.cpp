@@ -1,7 +1,6 @@
 #include "tessel/base/number.h"
 
 #include <bit>
-#include <cfloat>
 #include <cmath>
 #include <cstddef>
 
@@ -142,9 +141,11 @@ bool scale(double value, int decimals, SCALED& scaled) {
     return true;
 }
 
-// Writes the number without its sign and returns the end.
-char* write_scaled(char* text, char* end, const SCALED& scaled, int decimals) {
-    text = std::to_chars(text, end, scaled.whole).ptr;
+// Writes the number and returns the end.
+char* write_scaled(char* text, bool negative, const SCALED& scaled, int decimals) {
+    constexpr std::ptrdiff_t kWholeDigits = 20;
+    if (negative) *text++ = '-';
+    text = std::to_chars(text, text + kWholeDigits, scaled.whole).ptr;
     if (decimals == 0) return text;
     *text = '.';
     std::uint64_t fraction = scaled.fraction;
@@ -155,39 +156,26 @@ char* write_scaled(char* text, char* end, const SCALED& scaled, int decimals) {
     return text + 1 + decimals;
 }
 
-bool append_short_fixed(std::string& text, double value, int decimals) {
-    SCALED scaled;
-    if (!scale(std::fabs(value), decimals, scaled)) return false;
-    char digits[32];
-    *digits = '-';
-    char* const end = write_scaled(digits + 1, digits + sizeof digits, scaled, decimals);
-    text.append(std::signbit(value) ? digits : digits + 1, end);
-    return true;
-}
-
-// Six significant digits, trailing zeros removed, where that needs no exponent.
-bool append_short_general(std::string& text, double value) {
+// Null where six significant digits need an exponent or more than integers; trailing zeros go.
+char* write_short_general(char* text, double value) {
     constexpr double kBounds[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
     constexpr int kSteps = 10;
     const double magnitude = std::fabs(value);
-    if (value != 0.0 && !(magnitude >= kBounds[0] && magnitude < kBounds[kSteps])) return false;
+    if (value != 0.0 && !(magnitude >= kBounds[0] && magnitude < kBounds[kSteps])) return nullptr;
     int decimals = value != 0.0 ? kMaxScaledDecimals : 0;
     while (decimals > 0 && magnitude >= kBounds[kSteps - decimals])
         --decimals;
 
     SCALED scaled;
-    if (!scale(magnitude, decimals, scaled)) return false;
-    if (scaled.whole == 1000000) return false;  // rounded up to where an exponent begins
-    char digits[32];
-    *digits = '-';
-    char* end = write_scaled(digits + 1, digits + sizeof digits, scaled, decimals);
+    if (!scale(magnitude, decimals, scaled)) return nullptr;
+    if (scaled.whole == 1000000) return nullptr;  // rounded up to where an exponent begins
+    char* end = write_scaled(text, std::signbit(value), scaled, decimals);
     if (decimals > 0) {
         while (end[-1] == '0')
             --end;
         if (end[-1] == '.') --end;
     }
-    text.append(std::signbit(value) ? digits : digits + 1, end);
-    return true;
+    return end;
 }
 
 }  // namespace
@@ -213,20 +201,20 @@ const char* read_double(const char* first, const char* last, double& value) {
     return read.ptr;
 }
 
-void append_fixed(std::string& text, double value, int decimals) {
-    if (append_short_fixed(text, value, decimals)) return;
-    char digits[1 + DBL_MAX_10_EXP + 1 + 1 + 20];  // sign, integer part, point, decimals
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, decimals);
-    text.append(digits, end.ptr);
+char* write_fixed(char* text, double value, int decimals) {
+    SCALED scaled;
+    if (scale(std::fabs(value), decimals, scaled)) {
+        return write_scaled(text, std::signbit(value), scaled, decimals);
+    }
+    return std::to_chars(text, text + kMaxNumberText, value, std::chars_format::fixed, decimals)
+        .ptr;
 }
 
-void append_general(std::string& text, double value) {
-    if (append_short_general(text, value)) return;
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value,
-                                   std::chars_format::general, kGeneralDigits);
-    text.append(digits, end.ptr);
+char* write_general(char* text, double value) {
+    if (char* const end = write_short_general(text, value)) return end;
+    return std::to_chars(text, text + kMaxNumberText, value, std::chars_format::general,
+                         kGeneralDigits)
+        .ptr;
 }
 
 }  // namespace tessel

@@ -69,10 +69,22 @@ void append_integer(std::string& text, Integer value) {
     text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-/// As "%.Nlf", for at most 20 decimals.
-void append_fixed(std::string& text, double value, int decimals);
-/// As "%.6g".
-void append_general(std::string& text, double value);
+/// Room for any number as the functions below write it: sign, whole part, point, 20 decimals.
+inline constexpr std::size_t kMaxNumberText = 1 + std::numeric_limits<double>::max_exponent10 + 22;
+
+/// Writes as "%.Nlf", for at most 20 decimals, into kMaxNumberText characters; returns the end.
+char* write_fixed(char* text, double value, int decimals);
+/// Likewise as "%.6g".
+char* write_general(char* text, double value);
+
+inline void append_fixed(std::string& text, double value, int decimals) {
+    char digits[kMaxNumberText];
+    text.append(digits, write_fixed(digits, value, decimals));
+}
+inline void append_general(std::string& text, double value) {
+    char digits[kMaxNumberText];
+    text.append(digits, write_general(digits, value));
+}
 
 /// A double as a message shows it, "%.Nlf".
 inline std::string fixed_text(double value, int decimals) {
