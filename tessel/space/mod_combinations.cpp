@@ -211,14 +211,19 @@ void CCondition::GenerateModComb() {
     const std::string figures =
         message_text(number, " modification combinations, ", size, " bytes");
     Message(figures, size > kLargeSize ? LOG_WARNING : LOG_DEBUG);
-    if (!reserve_groups(m_vModComb, sizes, size)) {
-        Message("Not enough memory for " + figures, LOG_ALERT);
-        end_process(1);
+    bool enough = reserve_groups(m_vModComb, sizes, size);
+    try {
+        if (enough && !fill_groups_in_order(*this)) {
+            CModCombInfo comb;
+            _generate_mod_comb(comb, 0, 0, 0);
+            CreateModCombHash();
+        }
+    } catch (const std::bad_alloc&) {
+        enough = false;  // for the lookups, or what putting in order takes beside the combinations
     }
-    if (fill_groups_in_order(*this)) return;
-    CModCombInfo comb;
-    _generate_mod_comb(comb, 0, 0, 0);
-    CreateModCombHash();
+    if (enough) return;
+    Message("Not enough memory for " + figures, LOG_ALERT);
+    end_process(1);
 }
 
 void CCondition::_generate_mod_comb(CModCombInfo& comb, std::int8_t nTerm, std::int8_t cTerm,

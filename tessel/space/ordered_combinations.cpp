@@ -20,7 +20,7 @@
 namespace tessel {
 namespace {
 
-constexpr std::int64_t kWindowRecords = 32768;  // on average
+constexpr std::size_t kWindowRecords = 32768;   // on average, at least
 constexpr std::int64_t kSmallestWindow = 1024;  // buckets
 
 using MOD_LIST = std::vector<const CMod*>;
@@ -220,7 +220,9 @@ bool fill_in_order(std::vector<CModCombInfo>& group, std::vector<std::uint32_t>&
     if (!is_ascending(table) || !find_buckets(streams, buckets)) return false;
 
     const std::int64_t length = buckets.m_nLast + 1;
-    const auto windows = static_cast<std::int64_t>(group.capacity()) / kWindowRecords + 1;
+    // More records than streams in a window: looking at every stream must not cost more than they.
+    const std::size_t records = std::max(kWindowRecords, 2 * streams.size());
+    const auto windows = static_cast<std::int64_t>(group.capacity() / records + 1);
     const std::int64_t width = std::max(length / windows, kSmallestWindow);
     CWindow window(static_cast<std::size_t>(width));
     lookup.reserve(static_cast<std::size_t>(length));

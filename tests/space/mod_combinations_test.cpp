@@ -514,6 +514,17 @@ TEST_F(mod_combinations, many_windows_of_mass_give_the_walk_sorted) {
     EXPECT_GT(Group(2).size(), 100'000u);
 }
 
+// One extra modification on each of many bases: as many streams as combinations.
+TEST_F(mod_combinations, many_bases_and_few_extras_give_the_walk_sorted) {
+    std::vector<CMod> selected;
+    for (int i = 0; i < 60; ++i)
+        selected.push_back(mod("s" + std::to_string(i), 0.37 * (i % 23) - 2.0));
+    Prepare(selected, {mod("x", 1.5), mod("y", 40.25)});
+    put_in_order(m_cCondition.m_vMods);
+    expect_as_walked(m_cCondition);
+    EXPECT_GT(Group(2).size(), 100'000u);
+}
+
 TEST_F(mod_combinations, masses_that_crowd_in_one_bucket_are_sorted_in_it) {
     std::vector<CMod> extras;
     for (int i = 0; i < 120; ++i)
