@@ -30,7 +30,7 @@ protected:
         return found;
     }
 
-    static inline const std::string kFolder = TESSEL_SOURCE_FOLDER "/data";
+    static inline const std::string kFolder = test::source_path("data");
     test::CWorkingFolder m_cWorkingFolder;
     CCondition m_cCondition;
 };

@@ -288,7 +288,7 @@ TEST_F(fasta_loader, batches_of_any_size_add_up_to_the_database) {
 
 // python3 tests/support/fasta_figures.py examples/ecoli/ecoli.fasta
 TEST_F(fasta_loader, real_database_has_its_known_figures) {
-    m_cCondition.m_strInputFastaPath = TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.fasta";
+    m_cCondition.m_strInputFastaPath = test::source_path("examples/ecoli/ecoli.fasta");
     m_cCondition.m_tMaxProLen = 100'000;
     CFastaLoader& loader = m_cCondition.m_cFastaLoader;
     std::size_t residues = 0;

@@ -145,7 +145,7 @@ std::uint32_t crc32(const std::string& bytes) {
 
 // python3 tests/support/fasta_figures.py examples/ecoli/ecoli.fasta
 TEST_F(prepare_database, real_database_is_the_same_for_every_batch_size) {
-    fs::copy_file(TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.fasta", m_cFolder.Path("db.fasta"));
+    fs::copy_file(test::source_path("examples/ecoli/ecoli.fasta"), m_cFolder.Path("db.fasta"));
     for (const std::size_t limit :
          {std::size_t{0}, std::size_t{50'000}, std::numeric_limits<std::size_t>::max()}) {
         fs::remove(Target());

@@ -37,7 +37,7 @@ RESULT_ROW first_row(const CSearchRun& run) {
 
 // The first proteins of the E. coli database.
 std::string ecoli_part(std::size_t proteins) {
-    std::istringstream all(read_file(TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.fasta"));
+    std::istringstream all(read_file(source_path("examples/ecoli/ecoli.fasta")));
     std::string part;
     std::size_t number = 0;
     for (std::string line; std::getline(all, line);) {
@@ -48,7 +48,7 @@ std::string ecoli_part(std::size_t proteins) {
 }
 
 void use_ecoli_spectra(CSearchRun& run) {
-    run.m_cFolder.Write("spectra.mgf", read_file(TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.mgf"));
+    run.m_cFolder.Write("spectra.mgf", read_file(source_path("examples/ecoli/ecoli.mgf")));
     run.m_mapSettings["auto_rev"] = "1";
     run.m_mapSettings["fixmod"] = "Carbamidomethyl[C];";
     run.m_mapSettings["selectmod"] = "Oxidation[M];";

@@ -13,7 +13,7 @@
 namespace tessel {
 namespace {
 
-const std::string kSample = TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.mgf";
+const std::string kSample = test::source_path("examples/ecoli/ecoli.mgf");
 
 // The exit status of the program.
 int run_tool(const std::string& arguments) {

@@ -138,7 +138,7 @@ CSearchRun::CSearchRun()
                     {"auto_rev", "0"},
                     {"log", "LOG_INFO"}} {
     for (const char* name : {"element.ini", "aa.ini", "modification.ini", "quant.ini"}) {
-        std::filesystem::copy_file(TESSEL_SOURCE_FOLDER "/data/" + std::string(name),
+        std::filesystem::copy_file(test::source_path("data/" + std::string(name)),
                                    m_cFolder.Path(name));
     }
 }

@@ -536,7 +536,7 @@ TEST(mgf_input, any_bytes_are_read_to_an_end) {
 // The figures are those of: python3 tests/support/mgf_figures.py examples/ecoli/ecoli.mgf
 TEST(mgf_input, real_file_is_read_whole) {
     CMGFInput reader;
-    EXPECT_EQ(reader.Count(TESSEL_SOURCE_FOLDER "/examples/ecoli/ecoli.mgf"), 139u);
+    EXPECT_EQ(reader.Count(test::source_path("examples/ecoli/ecoli.mgf")), 139u);
     std::vector<CSpectrum> spectra;
     EXPECT_EQ(reader.Browse(spectra, kAllEntries), 139u);
     EXPECT_EQ(reader.TakeFaults(), Texts());

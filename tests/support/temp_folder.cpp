@@ -25,6 +25,10 @@ void write_file(const std::string& path, const std::string& bytes) {
     if (!file) throw std::runtime_error("cannot write " + path);
 }
 
+std::string source_path(const std::string& path) {
+    return TESSEL_SOURCE_FOLDER "/" + path;
+}
+
 void set_file_age(const std::string& path, int secondsAgo) {
     std::filesystem::last_write_time(
         path, std::filesystem::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));

@@ -7,6 +7,9 @@ namespace tessel::test {
 std::string read_file(const std::string& path);
 void write_file(const std::string& path, const std::string& bytes);
 
+/// A file or folder of the source tree, by its path from the tree's root.
+std::string source_path(const std::string& path);
+
 /// Moves a file's modification time by some seconds from now.
 void set_file_age(const std::string& path, int secondsAgo);
 
