@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -17,14 +16,12 @@
 #include "tessel/base/text.h"
 #include "tessel/condition/utilities.h"
 #include "tessel/param/option_tool.h"
+#include "tessel/param/settings.h"
 #include "tessel/platform/file.h"
 
 namespace tessel {
 namespace {
 
-constexpr int kNoLimit = std::numeric_limits<int>::max();
-constexpr int kMaxMods = 20;
-constexpr int kMaxPeaks = 5000;
 constexpr int kMaxTagLength = 6;
 constexpr std::size_t kManyThreads = 100;
 
@@ -33,54 +30,59 @@ class CSection {
 public:
     CSection(const std::string& path, const char* name) : m_cTool(path, name) {}
 
-    std::string Text(const char* key, const char* missing = "") const {
-        return m_cTool.GetString(key, missing);
+    std::string Text(CKnownKey key) const {
+        return m_cTool.GetString(key->m_szKey, key->m_szMissing);
     }
-    bool IsNotZeroText(const char* key, const char* missing) const {
-        return Text(key, missing) != "0";
-    }
+    bool IsNotZeroText(CKnownKey key) const { return Text(key) != "0"; }
     // Through the text, so that an empty value is 0 and not the value of a missing key.
-    double Real(const char* key, const char* missing) const {
-        return to_double(Text(key, missing));
-    }
-    int TextInteger(const char* key, const char* missing) const {
-        return to_int(Text(key, missing));
-    }
+    double Real(CKnownKey key) const { return to_double(Text(key)); }
+    int TextInteger(CKnownKey key) const { return to_int(Text(key)); }
 
-    int Integer(const char* key, int missing) const {
-        return m_cTool._GetPrivateProfileInt(m_cTool.m_strSection, key, missing, m_cTool.m_strPath);
+    int Integer(CKnownKey key) const {
+        return m_cTool._GetPrivateProfileInt(m_cTool.m_strSection, key->m_szKey,
+                                             to_int(key->m_szMissing), m_cTool.m_strPath);
     }
-    bool IsNotZero(const char* key, int missing) const { return Integer(key, missing) != 0; }
+    bool IsNotZero(CKnownKey key) const { return Integer(key) != 0; }
     // Narrower fields keep the low bits, wider ones extend the sign: -1 is the largest count.
     template <class Field>
-    Field As(const char* key, int missing) const {
-        return static_cast<Field>(Integer(key, missing));
+    Field As(CKnownKey key) const {
+        return static_cast<Field>(Integer(key));
+    }
+
+    std::string Entry(const std::string& key) const {
+        return m_cTool.GetString(key.c_str(), kMissingEntry);
     }
 
 private:
     COptionTool m_cTool;
 };
 
-// The value, or the replacement and an alert when it is not from 0 to `highest`.
-int in_range(const CCondition& condition, const char* name, int value, int highest,
-             int replacement) {
-    if (value >= 0 && value <= highest) return value;
-    condition.Message(message_text("Invalid_", name, ": ", value, ", change it to ", replacement),
-                      LOG_ALERT);
+// The value, or with an alert what stands for one out of range.
+int in_range(const CCondition& condition, const VALUE_RANGE& range, int value) {
+    if (value >= 0 && value <= range.m_nHighest) return value;
+    const int replacement = value < 0 ? range.m_nIfBelow : range.m_nIfAbove;
+    condition.Message(
+        message_text("Invalid_", range.m_szName, ": ", value, ", change it to ", replacement),
+        LOG_ALERT);
     return replacement;
 }
 
-std::size_t count_in_range(const CCondition& condition, const char* name, int value, int highest,
-                           int replacement) {
-    return static_cast<std::size_t>(in_range(condition, name, value, highest, replacement));
+std::size_t read_count(const CSection& section, CKnownKey key, const CCondition& condition) {
+    return static_cast<std::size_t>(in_range(condition, key->m_cRange, section.Integer(key)));
 }
 
 void read_thread_number(const CSection& param, CCondition& condition) {
-    condition.m_tThreadNum =
-        count_in_range(condition, "Thread_Num", param.Integer("thread", 2), kNoLimit, 2);
+    condition.m_tThreadNum = read_count(param, "thread", condition);
     if (condition.m_tThreadNum > kManyThreads) {
         condition.Message("The number of threads is too large.", LOG_WARNING);
     }
+}
+
+// The field has one byte; its range is asked of what that keeps of the number.
+unsigned char read_digest(const CSection& param, const CCondition& condition) {
+    const CKnownKey key("digest");
+    return static_cast<unsigned char>(
+        in_range(condition, key->m_cRange, param.As<unsigned char>(key)));
 }
 
 bool is_strange(double tolerance) {
@@ -88,10 +90,10 @@ bool is_strange(double tolerance) {
 }
 
 void read_tolerances(const CSection& param, CCondition& condition) {
-    condition.m_lfPrecursorTol = param.Real("mstol", "20");
-    condition.m_lfFragmentTol = param.Real("msmstol", "20");
-    condition.m_bPrecursorPPM = param.IsNotZero("mstolppm", 1);
-    condition.m_bFragmentPPM = param.IsNotZero("msmstolppm", 1);
+    condition.m_lfPrecursorTol = param.Real("mstol");
+    condition.m_lfFragmentTol = param.Real("msmstol");
+    condition.m_bPrecursorPPM = param.IsNotZero("mstolppm");
+    condition.m_bFragmentPPM = param.IsNotZero("msmstolppm");
     const auto warn = [&condition](const char* text, double tolerance) {
         condition.Message(message_text(text, fixed_text(tolerance, 6)), LOG_WARNING);
     };
@@ -116,11 +118,11 @@ void load_file(const CSection& file, CCondition& condition) {
     const std::string folder = working_folder() + '\\';
     condition.m_strFastaPath = existing_path(condition, file.Text("fastapath"), "fastapath");
     condition.m_strInputFastaPath = condition.m_strFastaPath;
-    condition.m_bAutoRev = file.IsNotZero("auto_rev", 1);
+    condition.m_bAutoRev = file.IsNotZero("auto_rev");
     condition.m_strMSMSPath = file.Text("msmspath");
     condition.m_strOutputPath = existing_path(condition, file.Text("outputpath"), "outputpath");
     AddSlash(condition.m_strOutputPath);
-    condition.m_strOutputName = file.Text("outputname", "test");
+    condition.m_strOutputName = file.Text("outputname");
     condition.m_strModPath = existing_path(
         condition, text_or(file.Text("modpath"), folder + "modification.ini"), "modpath");
     condition.m_strAAPath =
@@ -139,14 +141,14 @@ int line_count(const std::string& path) {
 // No file holds more entries than lines; a larger number is not worth a search for each.
 std::size_t entry_count(const CSection& list, const std::string& path,
                         const CCondition& condition) {
-    const int stated = list.Integer("msmsnum", 0);
+    const int stated = list.Integer("msmsnum");
     if (stated <= 0) return 0;
     const int lines = line_count(path);
-    return count_in_range(condition, "MSMS_Num", stated, lines, lines);
+    return static_cast<std::size_t>(in_range(condition, {"MSMS_Num", lines, lines, lines}, stated));
 }
 
 std::string entry_key(std::size_t number) {
-    return message_text("msmspath", number);
+    return message_text(kEntryStem, number);
 }
 
 // The spectrum files of the given type in each folder, named as the engine expects them: folder,
@@ -175,17 +177,17 @@ std::vector<std::string> files_in_folders(const CCondition& condition,
 }
 
 void load_data_list(const CSection& list, const std::string& path, CCondition& condition) {
-    condition.m_bMSMSFolder = list.IsNotZero("msmsfolder", 0);
+    condition.m_bMSMSFolder = list.IsNotZero("msmsfolder");
     const std::size_t count = entry_count(list, path, condition);
     std::vector<std::string> entries;
     for (std::size_t number = 1; number <= count; ++number) {
         const std::string key = entry_key(number);
-        entries.push_back(list.Text(key.c_str(), "NULL"));
+        entries.push_back(list.Entry(key));
         if (!condition.m_bMSMSFolder) {
             CConditionReader::Validation_Path(condition, entries.back(), key);
         }
     }
-    condition.m_strMSMSType = list.Text("msmstype", "MGF");
+    condition.m_strMSMSType = list.Text("msmstype");
     condition.m_vMSMSFiles =
         condition.m_bMSMSFolder ? files_in_folders(condition, entries) : std::move(entries);
 }
@@ -217,33 +219,27 @@ void CConditionReader::Read() {
 void CConditionReader::_LoadParam() {
     const CSection param(m_strPath, "param");
     CCondition& condition = m_cCondition;
-    condition.m_nMultip = param.Integer("multip", 1);
+    condition.m_nMultip = param.Integer("multip");
     read_thread_number(param, condition);
-    condition.m_strActivationType = param.Text("activation_type", "HCD-FTMS");
+    condition.m_strActivationType = param.Text("activation_type");
     read_tolerances(param, condition);
-    const int maxMods = param.Integer("maxmod", 3);
-    condition.m_tMaxModNum =
-        count_in_range(condition, "Max_Mod", maxMods, kMaxMods, maxMods < 0 ? 0 : kMaxMods);
-    condition.m_cEnzyme.Init(param.Text("enzyme", "Trypsin KR _ C"));
-    const auto digest = param.As<unsigned char>("digest", 3);
-    condition.m_ucDigest = static_cast<unsigned char>(in_range(condition, "Digest", digest, 3, 3));
-    condition.m_tTempPepNum =
-        count_in_range(condition, "Temp_Res_Num", param.Integer("temppepnum", 50), kNoLimit, 50);
-    condition.m_tPepNum =
-        count_in_range(condition, "Res_Num", param.Integer("pepnum", 10), kNoLimit, 10);
-    condition.m_tSelectPeak = count_in_range(
-        condition, "Sel_Peaks", param.Integer("selectpeak", 200), kMaxPeaks, kMaxPeaks);
-    condition.m_bNoProc = param.Integer("noproc", 0) == 1;
-    condition.m_tMaxProLen = param.As<std::size_t>("maxprolen", 1000000);
-    condition.m_nMaxSpec = param.As<std::size_t>("maxspec", 10000);
-    condition.m_tMaxClvSites = param.As<std::size_t>("max_clv_sites", 2);
+    condition.m_tMaxModNum = read_count(param, "maxmod", condition);
+    condition.m_cEnzyme.Init(param.Text("enzyme"));
+    condition.m_ucDigest = read_digest(param, condition);
+    condition.m_tTempPepNum = read_count(param, "temppepnum", condition);
+    condition.m_tPepNum = read_count(param, "pepnum", condition);
+    condition.m_tSelectPeak = read_count(param, "selectpeak", condition);
+    condition.m_bNoProc = param.Integer("noproc") == 1;
+    condition.m_tMaxProLen = param.As<std::size_t>("maxprolen");
+    condition.m_nMaxSpec = param.As<std::size_t>("maxspec");
+    condition.m_tMaxClvSites = param.As<std::size_t>("max_clv_sites");
     condition.m_strSelectMod = param.Text("selectmod");
     condition.m_strFixMod = param.Text("fixmod");
-    condition.m_bIeqL = param.IsNotZeroText("IeqL", "1");
-    condition.m_bNPep = param.IsNotZeroText("npep", "1");
+    condition.m_bIeqL = param.IsNotZeroText("IeqL");
+    condition.m_bNPep = param.IsNotZeroText("npep");
     condition.m_nSignalPepLen = condition.m_bNPep ? 60 : 1;
-    condition.m_lfMaxDelta = param.Real("maxdelta", "500.0");
-    condition.m_lfCenter = param.Real("center", "0.0");
+    condition.m_lfMaxDelta = param.Real("maxdelta");
+    condition.m_lfCenter = param.Real("center");
 }
 
 void CConditionReader::_LoadData() {
@@ -254,48 +250,48 @@ void CConditionReader::_LoadData() {
 void CConditionReader::_LoadEngine() {
     const CSection engine(m_strPath, "engine");
     CCondition& condition = m_cCondition;
-    condition.m_nOpen = engine.Integer("open", 1);
-    condition.m_bRestTagIteration = engine.IsNotZeroText("rest_tag_iteration", "0");
-    condition.m_bSalvoIteration = engine.IsNotZeroText("salvo_iteration", "0");
-    condition.m_nOpenTagLen = std::min(engine.Integer("open_tag_len", 5), kMaxTagLength);
-    condition.m_nRestTagLen = std::min(engine.Integer("rest_tag_len", 4), kMaxTagLength);
-    condition.m_uMaxTag = engine.As<std::uint32_t>("max_tag", 100);
-    condition.m_uMaxResTag = engine.As<std::uint32_t>("max_res_tag", 100);
-    condition.m_bDigestInOpen = engine.As<unsigned char>("digest_in_open", 0) != 0;
-    condition.m_ucMaxEdge = engine.As<unsigned char>("max_edge", 2);
-    condition.m_nMaxGenModPep = engine.Integer("max_gen_mod_pep", 5000);
-    condition.m_nMaxRound = engine.Integer("max_round", 10);
-    condition.m_nRestModNum = engine.Integer("rest_mod_num", 10);
-    condition.m_nSalvoModNum = engine.Integer("salvo_mod_num", 5);
+    condition.m_nOpen = engine.Integer("open");
+    condition.m_bRestTagIteration = engine.IsNotZeroText("rest_tag_iteration");
+    condition.m_bSalvoIteration = engine.IsNotZeroText("salvo_iteration");
+    condition.m_nOpenTagLen = std::min(engine.Integer("open_tag_len"), kMaxTagLength);
+    condition.m_nRestTagLen = std::min(engine.Integer("rest_tag_len"), kMaxTagLength);
+    condition.m_uMaxTag = engine.As<std::uint32_t>("max_tag");
+    condition.m_uMaxResTag = engine.As<std::uint32_t>("max_res_tag");
+    condition.m_bDigestInOpen = engine.As<unsigned char>("digest_in_open") != 0;
+    condition.m_ucMaxEdge = engine.As<unsigned char>("max_edge");
+    condition.m_nMaxGenModPep = engine.Integer("max_gen_mod_pep");
+    condition.m_nMaxRound = engine.Integer("max_round");
+    condition.m_nRestModNum = engine.Integer("rest_mod_num");
+    condition.m_nSalvoModNum = engine.Integer("salvo_mod_num");
 }
 
 void CConditionReader::_LoadFilter() {
     const CSection filter(m_strPath, "filter");
     CCondition& condition = m_cCondition;
-    condition.m_lfPsmFdr = filter.Real("psm_fdr", "0.01");
-    condition.m_nPsmFdrType = filter.TextInteger("psm_fdr_type", "1");
-    condition.m_lfProFdr = filter.Real("pro_fdr", "0.01");
-    condition.m_lfMassLower = filter.Real("mass_lower", "600");
-    condition.m_lfMassUpper = filter.Real("mass_upper", "100000");
-    condition.m_nLenLower = filter.TextInteger("len_lower", "6");
-    condition.m_nLenUpper = filter.TextInteger("len_upper", "100");
-    condition.m_nPepPerPro = filter.TextInteger("pep_per_pro", "1");
+    condition.m_lfPsmFdr = filter.Real("psm_fdr");
+    condition.m_nPsmFdrType = filter.TextInteger("psm_fdr_type");
+    condition.m_lfProFdr = filter.Real("pro_fdr");
+    condition.m_lfMassLower = filter.Real("mass_lower");
+    condition.m_lfMassUpper = filter.Real("mass_upper");
+    condition.m_nLenLower = filter.TextInteger("len_lower");
+    condition.m_nLenUpper = filter.TextInteger("len_upper");
+    condition.m_nPepPerPro = filter.TextInteger("pep_per_pro");
 }
 
 void CConditionReader::_LoadQuant() {
     const CSection quant(m_strPath, "quant");
     CCondition& condition = m_cCondition;
-    condition.m_strQuant = quant.Text("quant", "1|None");
-    condition.m_strLabelName = quant.Text("label_name", "None");
-    condition.m_sLabelID = quant.As<std::int16_t>("label_id", 0);
+    condition.m_strQuant = quant.Text("quant");
+    condition.m_strLabelName = quant.Text("label_name");
+    condition.m_sLabelID = quant.As<std::int16_t>("label_id");
     condition.m_strLumenPath = quant.Text("lumen_path");
     condition.m_strLumenCfgPath = quant.Text("lumen_cfg_path");
 }
 
 void CConditionReader::_LoadSystem() {
     const CSection system(m_strPath, "system");
-    m_cCondition.m_eLogType = log_type(m_cCondition, system.Text("log", "LOG_INFO"));
-    m_cCondition.m_bDelTmp = system.Text("del_tmp_files", "1") == "1";
+    m_cCondition.m_eLogType = log_type(m_cCondition, system.Text("log"));
+    m_cCondition.m_bDelTmp = system.Text("del_tmp_files") == "1";
 }
 
 void CConditionReader::Validation_Path(const CCondition& condition, const std::string& path,

@@ -10,6 +10,7 @@
 
 #include "tessel/base/number.h"
 #include "tessel/condition/condition.h"
+#include "tessel/param/settings.h"
 #include "tessel/platform/calendar.h"
 #include "tessel/platform/file.h"
 
@@ -32,7 +33,19 @@ public:
     }
 
     template <class Value>
-    void Line(std::string_view key, const Value& value) {
+    void Line(CKnownKey key, const Value& value) {
+        Assignment(key->m_szKey, value);
+    }
+
+    void Entry(std::size_t number, const std::string& path) {
+        std::string key(kEntryStem);
+        append_integer(key, number);
+        Assignment(key, path);
+    }
+
+private:
+    template <class Value>
+    void Assignment(std::string_view key, const Value& value) {
         m_strText += key;
         m_strText += '=';
         if constexpr (std::is_same_v<Value, double>) {
@@ -47,7 +60,6 @@ public:
         m_strText += '\n';
     }
 
-private:
     std::string& m_strText;
 };
 
@@ -75,15 +87,12 @@ void write_data_list(const CCondition& condition, std::string& text) {
     list.Line("msmsnum", condition.m_vMSMSFiles.size());
     list.Comment("MSMS Files");
     std::size_t number = 0;
-    for (const std::string& file : condition.m_vMSMSFiles) {
-        std::string key = "msmspath";
-        append_integer(key, ++number);
-        list.Line(key, file);
-    }
+    for (const std::string& file : condition.m_vMSMSFiles)
+        list.Entry(++number, file);
     if (condition.m_vMSMSFiles.empty()) {
         // Lines for the user to fill in.
-        list.Line("msmspath1", "");
-        list.Line("msmspath2", "");
+        list.Entry(1, "");
+        list.Entry(2, "");
     }
     list.Comment("MGF or MS2 or ZB2");
     list.Line("msmstype", condition.m_strMSMSType);
