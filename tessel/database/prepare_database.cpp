@@ -16,6 +16,7 @@
 #include "tessel/condition/condition.h"
 #include "tessel/condition/constants.h"
 #include "tessel/condition/utilities.h"
+#include "tessel/database/target_decoy_file.h"
 #include "tessel/platform/file.h"
 #include "tessel/platform/process.h"
 
@@ -121,16 +122,6 @@ void remove_leftovers(const std::string& target) {
 
 // ---- Generation ----
 
-bool is_fresh(const std::string& target, const std::string& source) {
-    const auto targetStatus = file_status(target);
-    const auto sourceStatus = file_status(source);
-    if (!targetStatus || !sourceStatus) return false;
-    if (targetStatus->m_bFolder || sourceStatus->m_bFolder) return false;
-    // An empty one is what a failed run leaves of a database that could not be opened.
-    if (targetStatus->m_uSize == 0 && sourceStatus->m_uSize > 0) return false;
-    return targetStatus->m_nTime >= sourceStatus->m_nTime;
-}
-
 bool is_unchanged(const std::optional<FILE_STATUS>& before, const std::string& source) {
     const auto after = file_status(source);
     return before && after && before->m_uSize == after->m_uSize &&
@@ -173,7 +164,7 @@ std::string generate_target_decoy(CFastaLoader& loader, const std::string& sourc
         if (!is_unchanged(statusBefore, source)) continue;
         if (!read_to_end(loader)) return failed + ": " + source + " cannot be read to its end";
         // Another process may have been faster, and its result may be in use already.
-        return file.Rename(target) || is_fresh(target, source) ? "" : failed;
+        return file.Rename(target) || is_fresh_target_decoy(target, source) ? "" : failed;
     }
     return failed + ": " + source + " keeps changing";
 }
@@ -191,11 +182,21 @@ std::string index_path(const std::string& database, const char* extension) {
 
 }  // namespace
 
+bool is_fresh_target_decoy(const std::string& target, const std::string& source) {
+    const auto targetStatus = file_status(target);
+    const auto sourceStatus = file_status(source);
+    if (!targetStatus || !sourceStatus) return false;
+    if (targetStatus->m_bFolder || sourceStatus->m_bFolder) return false;
+    // An empty one is what a failed run leaves of a database that could not be opened.
+    if (targetStatus->m_uSize == 0 && sourceStatus->m_uSize > 0) return false;
+    return targetStatus->m_nTime >= sourceStatus->m_nTime;
+}
+
 void CCondition::SetFastaPath() {
     m_strInputFastaPath = m_strFastaPath;
     if (!m_bAutoRev) return;
     const std::string target = m_strInputFastaPath + _TD_FASTA;
-    if (!is_fresh(target, m_strInputFastaPath)) {
+    if (!is_fresh_target_decoy(target, m_strInputFastaPath)) {
         remove_leftovers(target);
         std::string fault;
         try {
