@@ -9,4 +9,7 @@ enum class CONSOLE_COLOUR { NORMAL = 7, GREEN = 10, RED = 12 };
 /// not a console or terminal. Standard output must have been flushed.
 void set_console_colour(CONSOLE_COLOUR colour);
 
+/// Somebody may be looking at what is written to standard error.
+bool error_output_is_terminal();
+
 }  // namespace tessel

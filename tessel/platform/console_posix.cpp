@@ -21,4 +21,8 @@ void set_console_colour(CONSOLE_COLOUR colour) {
     }
 }
 
+bool error_output_is_terminal() {
+    return isatty(STDERR_FILENO) != 0;
+}
+
 }  // namespace tessel
