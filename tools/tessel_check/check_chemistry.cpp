@@ -161,15 +161,17 @@ void check_element(CTable& table, std::string_view record, const CCondition& con
     table.Name(symbol, "duplicate-element", "this line counts");
     const auto masses = list_of(fields[1]);
     const auto abundances = list_of(fields[2]);
-    check_numbers(table, record, masses);
-    check_numbers(table, record, abundances);
     if (!condition.m_mapElementMass.contains(symbol)) {
         table.Warning("skipped-record",
                       in_quotes(symbol) +
                           " has no mass for its most abundant isotope; the record "
                           "is ignored",
                       "Give as many masses as abundances.");
-    } else if (masses.size() != abundances.size()) {
+        return;
+    }
+    check_numbers(table, record, masses);
+    check_numbers(table, record, abundances);
+    if (masses.size() != abundances.size()) {
         table.HalfRead(joined_text(in_quotes(symbol), " has ", masses.size(), " masses and ",
                                    abundances.size(), " abundances"));
     }
@@ -177,7 +179,7 @@ void check_element(CTable& table, std::string_view record, const CCondition& con
 
 void check_elements(CCondition& condition, CReport& report) {
     run_step([&condition] { condition.ReadElementInfo(); });
-    CTable table(working_folder() + "\\element.ini", report);
+    CTable table("element.ini", report);
     const bool isOpen = table.VisitLines([&](std::string_view line) {
         const std::size_t sign = line.find('=');
         if (!line.starts_with('E')) {
@@ -292,7 +294,9 @@ void check_words(CTable& table, std::string_view name, const std::vector<std::st
 
 void check_mass(CTable& table, std::string_view name, const std::vector<std::string_view>& words,
                 const ElementMasses& known) {
-    if (words.size() < 3 || words.back().find('(') == std::string_view::npos) return;
+    if (words.size() < 3 || !is_number(words[2]) ||
+        words.back().find('(') == std::string_view::npos)
+        return;
     ElementMasses masses = known;
     const double weight = weigh(words.back(), masses).m_lfMass;
     const double mass = to_double(words[2]);
@@ -383,9 +387,7 @@ void check_modifications(CCondition& condition, CTable& table) {
 class CLabels {
 public:
     CLabels(const CCondition& condition, const CTable& modifications, CReport& report)
-        : m_cCondition(condition),
-          m_cModifications(modifications),
-          m_cTable(working_folder() + "\\quant.ini", report) {}
+        : m_cCondition(condition), m_cModifications(modifications), m_cTable("quant.ini", report) {}
 
     void CheckTable() {
         bool heading = true;
@@ -454,7 +456,8 @@ private:
     }
 
     void CheckElement(std::string_view symbol) {
-        if (m_cCondition.m_mapElementMass.contains(std::string(symbol))) return;
+        const ElementMasses& masses = m_cCondition.m_mapElementMass;
+        if (masses.empty() || masses.contains(std::string(symbol))) return;
         m_cTable.Warning("unknown-element",
                          in_quotes(symbol) + " is not in the element table; it weighs nothing",
                          "Add it to element.ini or correct the symbol.");
@@ -462,7 +465,7 @@ private:
 
     void CheckTarget(char kind, const std::string& target) {
         if (target == "*" || target == "+" || target == "-") return;
-        if (kind == 'M' && m_cModifications.LineOf(target) == 0) {
+        if (kind == 'M' && !m_cCondition.m_vMods.empty() && m_cModifications.LineOf(target) == 0) {
             m_cTable.Warning("unknown-modification",
                              in_quotes(target) +
                                  " is not in the modification table; nothing of it "
@@ -582,8 +585,10 @@ void check_chemistry(const CParameterFile& file, CCondition& condition, CReport&
     labels.CheckTable();
     if (asks_for_labels(condition)) labels.CheckSelected(file, report);
     check_tables(file, condition, report);
-    check_selection(file, "fixmod", condition, report);
-    check_selection(file, "selectmod", condition, report);
+    if (!condition.m_strModPath.empty()) {
+        check_selection(file, "fixmod", condition, report);
+        check_selection(file, "selectmod", condition, report);
+    }
     check_conversions(file, condition, report);
 }
 

@@ -92,9 +92,26 @@ void check_unknown_key(const CParameterFile& file, const ASSIGNMENT& line, CRepo
                    did_you_mean(key, known_keys(), "Remove the line."));
 }
 
+// A section without its header: none of its keys is found.
+void check_sections(const CParameterFile& file, CReport& report) {
+    for (const std::string& section : known_sections()) {
+        if (file.HeaderLine(section) > 0) continue;
+        for (const ASSIGNMENT& line : file.m_vAssignments) {
+            const SETTING* const setting = find_setting(line.m_strKey);
+            if (setting == nullptr || setting->m_strSection != section) continue;
+            report.Warning("missing-section", file.At(line.m_tLine),
+                           "there is no header " + in_brackets(section) +
+                               "; this key and all others of that section are ignored",
+                           "Write " + in_brackets(section) + " above them.");
+            break;
+        }
+    }
+}
+
 // What the lines of one known key amount to.
 void check_lines_of_key(const CParameterFile& file, std::string_view section, std::string_view key,
                         CReport& report) {
+    if (file.HeaderLine(section) == 0) return;
     const ASSIGNMENT* const used = file.Used(section, key);
     for (const ASSIGNMENT& line : file.m_vAssignments) {
         if (line.m_strKey != key) continue;
@@ -121,6 +138,7 @@ void check_lines_of_key(const CParameterFile& file, std::string_view section, st
 
 void check_lines(const CParameterFile& file, CReport& report) {
     check_headers(file, report);
+    check_sections(file, report);
     for (const ASSIGNMENT& line : file.m_vAssignments) {
         if (!is_known(line.m_strKey)) check_unknown_key(file, line, report);
     }
@@ -188,6 +206,13 @@ std::string range_text(const SETTING& setting) {
     return joined_text("Write a number from 0 to ", range.m_nHighest, ".");
 }
 
+// Blanks at the ends of these values are found by what they are compared with.
+bool has_check_of_its_own(const SETTING& setting) {
+    if (setting.m_eKind == VALUE_KIND::PATH) return true;
+    const std::string_view key = setting.m_szKey;
+    return key == "fixmod" || key == "selectmod" || key == "log" || key == "msmstype";
+}
+
 // One value that stands in the file, against what the library makes of it. `taken` is null where
 // the library was ended before it had read the key.
 void check_value(const CParameterFile& file, const SETTING& setting, const ASSIGNMENT& line,
@@ -204,7 +229,7 @@ void check_value(const CParameterFile& file, const SETTING& setting, const ASSIG
         return;
     }
     if (!is_number_kind(setting.m_eKind)) {
-        if (trimmed(value) == value || setting.m_eKind == VALUE_KIND::PATH) return;
+        if (trimmed(value) == value || has_check_of_its_own(setting)) return;
         report.Warning("blanks-in-value", place,
                        key + " has blanks at the ends of its value, which are a part of it",
                        "Remove the blanks.");

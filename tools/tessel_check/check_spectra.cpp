@@ -5,6 +5,7 @@
 
 #include "tessel/base/line_reader.h"
 #include "tessel/base/message_text.h"
+#include "tessel/base/number.h"
 #include "tessel/platform/file.h"
 #include "tessel/spectra/zb_input.h"
 #include "tools/tessel_check/checks.h"
@@ -111,7 +112,9 @@ void check_file(const std::string& path, const CCondition& condition, bool progr
 
 void check_spectra(const CParameterFile& file, const CCondition& condition, bool progress,
                    CReport& report) {
-    if (condition.m_vMSMSFiles.empty()) {
+    // A file that is named but does not exist is reported with its key.
+    const bool named = !condition.m_bMSMSFolder && to_int(file.Value("msmsnum")) > 0;
+    if (condition.m_vMSMSFiles.empty() && !named) {
         report.Warning("no-spectra", file.PlaceOf(*CKnownKey("msmsnum")),
                        condition.m_bMSMSFolder
                            ? "no file of the folders ends in ." + condition.m_strMSMSType +
@@ -119,6 +122,8 @@ void check_spectra(const CParameterFile& file, const CCondition& condition, bool
                            : "no spectrum file is named; nothing is searched",
                        "Name one by msmspath1 and set msmsnum=1.");
     }
+    const std::string& type = condition.m_strMSMSType;
+    if (type != "MGF" && type != "ZB2" && type != "ZBS") return;  // reported with its key
     for (const std::string& path : condition.m_vMSMSFiles)
         check_file(path, condition, progress, report);
 }

@@ -7,15 +7,10 @@
 #include <vector>
 
 #include "tessel/platform/console.h"
-#include "tessel/platform/file.h"
-#include "tools/tessel_check/checks.h"
-#include "tools/tessel_check/library_step.h"
+#include "tools/tessel_check/report.h"
+#include "tools/tessel_check/run_checks.h"
 
 namespace {
-
-using tessel::check::CParameterFile;
-using tessel::check::CReport;
-using tessel::check::LEVEL;
 
 constexpr int kUsage = 3;
 constexpr std::string_view kHelp =
@@ -60,33 +55,6 @@ void print(std::FILE* file, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), file);
 }
 
-void run_checks(const std::string& path, bool progress, CReport& report) {
-    if (!tessel::path_exists(path)) {
-        report.Error("missing-path", {path, 0}, "the parameter file does not exist; the run ends",
-                     "Correct the path.");
-        return;
-    }
-    const CParameterFile file(path);
-    if (!file.m_bReadable) {
-        report.Error("unreadable-file", {path, 0}, "the parameter file cannot be read to its end",
-                     "Check that it is a file, its permissions and its disk.");
-        return;
-    }
-    tessel::CConditionReader reader(path);
-    tessel::check::check_parameters(file, reader, report);
-    tessel::CCondition& condition = reader.m_cCondition;
-    condition.m_eLogType = tessel::LOG_INFO;  // for the messages of the steps below
-    tessel::check::check_chemistry(file, condition, report);
-    tessel::check::check_search_space(file, condition, report);
-    tessel::check::check_spectra(file, condition, progress, report);
-    tessel::check::check_database(condition, progress, report);
-}
-
-int exit_status(const CReport& report) {
-    if (report.Number(LEVEL::ERROR) > 0) return 2;
-    return report.Number(LEVEL::WARNING) > 0 ? 1 : 0;
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -102,10 +70,14 @@ int main(int count, char** arguments) {
         print(stderr, kHelp);
         return kUsage;
     }
-    CReport report;
+    tessel::check::CReport report;
     const std::string& path = options.m_vPaths.front();
-    run_checks(path, tessel::error_output_is_terminal(), report);
+    tessel::check::run_checks(path, tessel::error_output_is_terminal(), report);
     print(stdout, options.m_bJson ? tessel::check::findings_as_json(report, path)
                                   : tessel::check::findings_as_text(report));
-    return exit_status(report);
+    if (std::fflush(stdout) != 0) {
+        print(stderr, "tessel-check: standard output cannot be written\n");
+        return kUsage;
+    }
+    return tessel::check::exit_status(report);
 }

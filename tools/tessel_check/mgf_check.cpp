@@ -69,7 +69,7 @@ private:
     void BeginBlock() {
         m_bInBlock = true;
         m_tBlockLine = m_tLine;
-        m_bHasCharge = m_bHasMz = m_bUnsorted = false;
+        m_bHasCharge = m_bHasMz = m_bPrecursorIsWrong = m_bUnsorted = m_bMerged = false;
         m_cSpectrum.m_strTitle.clear();
         m_tPeaks = 0;
         if (m_tBatchSize > 0 && m_tBlocks % m_tBatchSize == 0) {
@@ -102,6 +102,7 @@ private:
             ReadKey(line);
         } else if (line.starts_with("BEGIN")) {
             ++m_tNested;
+            m_bMerged = true;
             m_cReport.Warning(
                 "block-without-end", At(m_tBlockLine),
                 joined_text("the block has no end before the next one begins on line ", m_tLine,
@@ -166,6 +167,7 @@ private:
         const char* end = read_integer(text.data(), last, m_cSpectrum.m_nCharge);
         if (!reported) return;
         if (end == nullptr) {
+            m_bPrecursorIsWrong = true;
             Warn("not-a-number", "the charge " + in_quotes(text) + " is no number; 0 is taken",
                  "Write CHARGE=2+.");
             return;
@@ -185,6 +187,7 @@ private:
         const char* const end = read_double(text.data(), last, m_lfMz);
         if (!reported) return;
         if (end == nullptr) {
+            m_bPrecursorIsWrong = true;
             Warn("not-a-number",
                  "the precursor m/z " + in_quotes(text) + " is no number; 0 is taken",
                  "Write PEPMASS=500.25.");
@@ -205,10 +208,9 @@ private:
             m_cSpectrum.m_strTitle = joined_text("spectrum ", index, " without a title");
         }
         m_cSpectrum.m_lfMH = protonated_mass(m_lfMz, m_cSpectrum.m_nCharge);
-        // A charge of 0 that comes from nowhere is reported as such.
-        m_cSummary.Add(m_cSpectrum, place, m_bHasCharge);
+        m_cSummary.Add(m_cSpectrum, place, m_bPrecursorIsWrong || !m_bHasCharge || !m_bHasMz);
         if (m_tPeaks == 0) m_cSummary.AddWithoutPeaks(m_cSpectrum, place);
-        if (m_bUnsorted) m_cSummary.AddUnsortedPeaks(m_cSpectrum, place);
+        if (m_bUnsorted && !m_bMerged) m_cSummary.AddUnsortedPeaks(m_cSpectrum, place);
     }
 
     void ReportMissing(const PLACE& place) {
@@ -266,9 +268,11 @@ private:
     double m_lfMz = 0.0;
     bool m_bHasCharge = false;
     bool m_bHasMz = false;
+    bool m_bPrecursorIsWrong = false;  // and that is reported
     std::size_t m_tPeaks = 0;
     double m_lfLastMz = 0.0;
     bool m_bUnsorted = false;
+    bool m_bMerged = false;  // with the next one, for want of an end
 };
 
 }  // namespace

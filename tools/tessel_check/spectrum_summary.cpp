@@ -16,7 +16,7 @@ constexpr std::size_t kMostCharges = 12;
 
 }  // namespace
 
-void CSpectrumSummary::Add(const CSpectrum& spectrum, const PLACE& place, bool ownCharge) {
+void CSpectrumSummary::Add(const CSpectrum& spectrum, const PLACE& place, bool precursorIsWrong) {
     const std::string title = in_quotes(spectrum.m_strTitle);
     ++m_tSpectra;
     ++m_mapCharges[spectrum.m_nCharge];
@@ -29,13 +29,14 @@ void CSpectrumSummary::Add(const CSpectrum& spectrum, const PLACE& place, bool o
     const double mass = spectrum.m_lfMH;
     if (!(mass >= 0.0 && mass <= kMaxMass)) {
         ++m_tDropped;
+        if (precursorIsWrong) return;
         m_cReport.Warning("dropped-spectrum", place,
                           title + " has a protonated mass of " + fixed_text(mass, 4) +
                               " Da; spectra outside 0 to 20000 Da are not searched",
                           "Correct its charge or precursor m/z.");
         return;
     }
-    if (ownCharge && spectrum.m_nCharge <= 0) {
+    if (!precursorIsWrong && spectrum.m_nCharge <= 0) {
         m_cReport.Warning("odd-charge", place,
                           joined_text(title, " has charge ", spectrum.m_nCharge,
                                       "; its mass is made from that all the same"),

@@ -16,9 +16,10 @@ public:
     CSpectrumSummary(std::string path, CReport& report)
         : m_strPath(std::move(path)), m_cReport(report) {}
 
-    /// Counts a spectrum and checks its title, its mass and, if it is its own, its charge. Its
+    /// Counts a spectrum and checks its title, and unless it is known already that they are wrong,
+    /// charge and mass. Its
     /// peaks are not looked at.
-    void Add(const CSpectrum& spectrum, const PLACE& place, bool ownCharge = true);
+    void Add(const CSpectrum& spectrum, const PLACE& place, bool precursorIsWrong = false);
     /// Reports a spectrum without peaks; where, tells `place`.
     void AddWithoutPeaks(const CSpectrum& spectrum, const PLACE& place);
     void AddUnsortedPeaks(const CSpectrum& spectrum, const PLACE& place);
