@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <iterator>
 #include <limits>
 #include <string_view>
 
@@ -110,25 +112,31 @@ inline constexpr SETTING kSettings[] = {
     {"system", "del_tmp_files", VALUE_KIND::SWITCH, "1"},
 };
 
-constexpr const SETTING* find_setting(std::string_view key) {
-    for (const SETTING& setting : kSettings) {
-        if (setting.m_szKey == key) return &setting;
-    }
-    return nullptr;
+/// The index of a key in the table; behind its end for an unknown key.
+constexpr std::size_t setting_index(std::string_view key) {
+    std::size_t index = 0;
+    while (index < std::size(kSettings) && kSettings[index].m_szKey != key)
+        ++index;
+    return index;
+}
+
+/// Null for an unknown key.
+inline const SETTING* find_setting(std::string_view key) {
+    const std::size_t index = setting_index(key);
+    return index < std::size(kSettings) ? &kSettings[index] : nullptr;
 }
 
 /// A key written in the code: one that is not in the table does not compile.
 class CKnownKey {
 public:
-    consteval CKnownKey(const char* key)
-        : m_pSetting(find_setting(key)) {  // NOLINT: from a literal
-        if (m_pSetting == nullptr) throw "no such key in a parameter file";
+    consteval CKnownKey(const char* key) : m_tIndex(setting_index(key)) {
+        if (m_tIndex == std::size(kSettings)) throw "no such key in a parameter file";
     }
-    constexpr const SETTING& operator*() const { return *m_pSetting; }
-    constexpr const SETTING* operator->() const { return m_pSetting; }
+    const SETTING& operator*() const { return kSettings[m_tIndex]; }
+    const SETTING* operator->() const { return &kSettings[m_tIndex]; }
 
 private:
-    const SETTING* m_pSetting;
+    std::size_t m_tIndex;
 };
 
 }  // namespace tessel
