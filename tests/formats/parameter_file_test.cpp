@@ -1,0 +1,180 @@
+// docs/formats/parameter_file.md: its tables of keys, and its example.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "tessel/param/condition_reader.h"
+#include "tessel/param/condition_writer.h"
+#include "tests/formats/format_page.h"
+#include "tests/support/captured.h"
+#include "tests/support/temp_folder.h"
+
+namespace tessel {
+namespace {
+
+using test::CFormatPage;
+using test::CTempFolder;
+using test::CWorkingFolder;
+
+const char* const kSections[] = {"param",  "file",  "datalist", "engine",
+                                 "filter", "quant", "system"};
+
+using Values = std::map<std::string, std::string>;  // by "section key"
+
+// The key=value lines of a parameter file.
+Values values_of(const std::string& text) {
+    Values values;
+    std::string section;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t sign = line.find('=');
+        if (line.starts_with('[')) {
+            section = line.substr(1, line.find(']') - 1);
+        } else if (!line.starts_with("##") && sign != std::string::npos) {
+            values[section + ' ' + line.substr(0, sign)] = line.substr(sign + 1);
+        }
+    }
+    return values;
+}
+
+// The defaults that the page's tables give.
+Values page_defaults() {
+    const CFormatPage page("parameter_file");
+    Values values;
+    for (const std::string section : kSections) {
+        for (const auto& row : page.Table("Section [" + section + ']'))
+            values[section + ' ' + row.at(0)] = row.at(2);
+    }
+    return values;
+}
+
+// What reading a file leaves, written back; a second placeholder for a spectrum file is no key.
+Values read_and_written(const std::string& path, const CTempFolder& folder) {
+    CConditionReader reader(path);
+    EXPECT_EQ(test::captured_output([&] { reader.Read(); }), "");
+    CConditionWriter(folder.Path("written"), &reader.m_cCondition).Write();
+    Values values = values_of(folder.Read("written"));
+    values.erase("datalist msmspath2");
+    return values;
+}
+
+std::set<std::string> keys_of(const Values& values) {
+    std::set<std::string> keys;
+    for (const auto& [key, value] : values)
+        keys.insert(key);
+    return keys;
+}
+
+TEST(parameter_file_page, has_every_key_that_is_written_and_no_other) {
+    const CTempFolder folder;
+    const CCondition condition;
+    CConditionWriter(folder.Path("written"), &condition).Write();
+    Values values = values_of(folder.Read("written"));
+    values.erase("datalist msmspath2");
+    EXPECT_EQ(keys_of(page_defaults()), keys_of(values));
+}
+
+TEST(parameter_file_page, has_every_key_that_the_reader_asks_for_and_no_other) {
+    const std::string source =
+        test::read_file(test::source_path("tessel/param/condition_reader.cpp"));
+    const std::regex lookup(
+        R"re((?:Text|Real|TextInteger|Integer|IsNotZero|IsNotZeroText|As<[\w:\s]+>)\(\s*"(\w+)")re");
+    std::set<std::string> asked = {"msmspath1"};  // made with its number
+    for (std::sregex_iterator found(source.begin(), source.end(), lookup), end; found != end;
+         ++found)
+        asked.insert((*found)[1].str());
+
+    std::set<std::string> listed;
+    for (const auto& [key, value] : page_defaults())
+        listed.insert(key.substr(key.find(' ') + 1));
+    EXPECT_EQ(listed, asked);
+}
+
+TEST(parameter_file_page, gives_the_defaults_that_reading_sets) {
+    const CTempFolder folder;
+    for (const char* const name : {"modification.ini", "aa.ini", "proteins.fasta"})
+        folder.Write(name, "");
+    const CWorkingFolder working(folder.Path());
+    folder.Write("search.param", "[file]\nfastapath=proteins.fasta\noutputpath=.\n");
+    Values values = read_and_written("search.param", folder);
+
+    Values expected = page_defaults();
+    EXPECT_EQ(expected.at("file fastapath"), "must be given");
+    EXPECT_EQ(expected.at("file outputpath"), "must be given");
+    expected["file fastapath"] = "proteins.fasta";
+    expected["file outputpath"] = ".\\";
+    for (const char* const key : {"file modpath", "file aapath"}) {
+        std::string& value = expected.at(key);
+        const std::string mark = "<working folder>";
+        ASSERT_TRUE(value.starts_with(mark));
+        value.replace(0, mark.size(), std::filesystem::current_path().string());
+    }
+    // Looked up for entries only; the next test reads one.
+    values.erase("datalist msmspath1");
+    expected.erase("datalist msmspath1");
+    // As numbers are written.
+    expected["param maxdelta"] = "500";
+    expected["param center"] = "0";
+    EXPECT_EQ(values, expected);
+}
+
+TEST(parameter_file_page, gives_the_default_of_a_spectrum_file) {
+    EXPECT_EQ(page_defaults().at("datalist msmspath1"), "NULL");
+    const CTempFolder folder;
+    folder.Write("any", "");
+    const CWorkingFolder working(folder.Path());
+    folder.Write("search.param",
+                 "[file]\nfastapath=any\noutputpath=.\nmodpath=any\naapath=any\n"
+                 "[datalist]\nmsmsnum=1\n");
+    EXPECT_ENDS_PROCESS(CConditionReader("search.param").Read(),
+                        "[Tessel] ALERT: Invalid_msmspath1_Path: [NULL]\n", "");
+}
+
+TEST(parameter_file_page, tells_what_single_lines_become) {
+    std::map<std::string, std::string> sections;  // by key
+    for (const auto& [key, value] : page_defaults())
+        sections[key.substr(key.find(' ') + 1)] = key.substr(0, key.find(' '));
+
+    const CTempFolder folder;
+    folder.Write("any", "");
+    const CWorkingFolder working(folder.Path());
+    for (const auto& row : CFormatPage("parameter_file").Table("Corrections by example")) {
+        const std::string& line = row.at(0);
+        SCOPED_TRACE(line);
+        const std::string key = line.substr(0, line.find('='));
+        ASSERT_EQ(sections.count(key), 1U);
+        // The line stands alone in its section, before the paths, which every file needs.
+        folder.Write("search.param",
+                     '[' + sections[key] + "]\n" + line +
+                         "\n[file]\nfastapath=any\noutputpath=.\nmodpath=any\naapath=any\n");
+        CConditionReader reader("search.param");
+        const std::string& text = row.at(2);
+        EXPECT_EQ(test::captured_output([&] { reader.Read(); }),
+                  text.empty() ? "" : "[Tessel] " + text + '\n');
+        CConditionWriter("written", &reader.m_cCondition).Write();
+        EXPECT_EQ(values_of(folder.Read("written")).at(sections[key] + ' ' + key), row.at(1));
+    }
+}
+
+TEST(parameter_file_example, sets_every_key_to_something_else_than_its_default) {
+    const CTempFolder folder;
+    const Values given = values_of(test::read_file(test::example_path("example.param")));
+    Values expected = given;
+    expected["file outputpath"] = ".\\";
+    const CWorkingFolder working(test::example_path());
+    EXPECT_EQ(read_and_written("example.param", folder), expected);
+
+    const Values defaults = page_defaults();
+    EXPECT_EQ(keys_of(given), keys_of(defaults));
+    for (const auto& [key, value] : given)
+        EXPECT_EQ(value == defaults.at(key), key == "datalist msmsfolder") << key;
+}
+
+}  // namespace
+}  // namespace tessel
