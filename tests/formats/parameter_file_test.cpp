@@ -4,13 +4,13 @@
 
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
 
 #include "tessel/param/condition_reader.h"
 #include "tessel/param/condition_writer.h"
+#include "tessel/param/settings.h"
 #include "tests/formats/format_page.h"
 #include "tests/support/captured.h"
 #include "tests/support/temp_folder.h"
@@ -80,20 +80,32 @@ TEST(parameter_file_page, has_every_key_that_is_written_and_no_other) {
     EXPECT_EQ(keys_of(page_defaults()), keys_of(values));
 }
 
-TEST(parameter_file_page, has_every_key_that_the_reader_asks_for_and_no_other) {
-    const std::string source =
-        test::read_file(test::source_path("tessel/param/condition_reader.cpp"));
-    const std::regex lookup(
-        R"re((?:Text|Real|TextInteger|Integer|IsNotZero|IsNotZeroText|As<[\w:\s]+>)\(\s*"(\w+)")re");
-    std::set<std::string> asked = {"msmspath1"};  // made with its number
-    for (std::sregex_iterator found(source.begin(), source.end(), lookup), end; found != end;
-         ++found)
-        asked.insert((*found)[1].str());
+// The first entry of the data list is a key of its own there; its name is made with its number.
+TEST(parameter_file_page, has_every_key_that_is_read_and_no_other) {
+    std::set<std::string> read = {"datalist msmspath1"};
+    for (const SETTING& setting : kSettings)
+        read.insert(std::string(setting.m_strSection) + ' ' + setting.m_szKey);
+    EXPECT_EQ(keys_of(page_defaults()), read);
+}
 
-    std::set<std::string> listed;
-    for (const auto& [key, value] : page_defaults())
-        listed.insert(key.substr(key.find(' ') + 1));
-    EXPECT_EQ(listed, asked);
+TEST(parameter_file_page, names_the_alert_of_every_key_with_a_range) {
+    std::map<std::string, std::string> meanings;
+    for (const std::string section : kSections) {
+        for (const auto& row : CFormatPage("parameter_file").Table("Section [" + section + ']'))
+            meanings[row.at(0)] = row.at(3);
+    }
+    for (const SETTING& setting : kSettings) {
+        const bool named = setting.m_cRange.m_szName != nullptr;
+        const std::string& meaning = meanings.at(setting.m_szKey);
+        // The limit of these is found elsewhere: the file's length, the steps of a loop.
+        const bool hasOther =
+            setting.m_szKey == std::string("msmsnum") || setting.m_szKey == std::string("maxdelta");
+        EXPECT_EQ(meaning.find(", as `") != meaning.npos, named || hasOther) << setting.m_szKey;
+        if (named) {
+            const std::string name = setting.m_cRange.m_szName;
+            EXPECT_NE(meaning.find("as `" + name + '`'), meaning.npos) << setting.m_szKey;
+        }
+    }
 }
 
 TEST(parameter_file_page, gives_the_defaults_that_reading_sets) {
