@@ -27,15 +27,18 @@ std::string cell_text(std::string_view cell) {
     return std::string(cell);
 }
 
+// A bar inside a cell is written as the entity that every renderer knows.
 std::vector<std::string> cells_of(std::string_view line) {
+    const std::string_view bar = "&#124;";
     std::vector<std::string> cells;
     std::string cell;
     for (std::size_t i = 1; i < line.size(); ++i) {
-        if (line[i] == '\\' && line.substr(i + 1).starts_with('|')) {
-            cell += line[++i];
-        } else if (line[i] == '|') {
+        if (line[i] == '|') {
             cells.push_back(cell_text(cell));
             cell.clear();
+        } else if (line.substr(i).starts_with(bar)) {
+            cell += '|';
+            i += bar.size() - 1;
         } else {
             cell += line[i];
         }

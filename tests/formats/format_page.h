@@ -15,7 +15,7 @@ public:
     explicit CFormatPage(const std::string& name);
 
     /// The rows of the first table under a heading, without its head. Cells come without code marks
-    /// and with escaped bars as bars.
+    /// and with entities of bars as bars.
     TableRows Table(const std::string& heading) const;
     /// The text in the fenced block that follows `mark`, with its last line end.
     std::string BlockBehind(const std::string& mark) const;
