@@ -148,6 +148,43 @@ TEST(parameter_file_page, gives_the_default_of_a_spectrum_file) {
                         "[Tessel] ALERT: Invalid_msmspath1_Path: [NULL]\n", "");
 }
 
+// By the table of kinds, what an empty value and a word are taken for.
+std::string taken_for(const std::string& kind, const std::string& value,
+                      const std::string& missing) {
+    const bool empty = value.empty();
+    if (kind == "integer" || kind == "flag") return empty ? missing : "0";
+    if (kind == "number" || kind == "count") return "0";
+    if (kind == "switch") return "1";
+    EXPECT_EQ(kind, "text");
+    return value;
+}
+
+TEST(parameter_file_page, gives_every_key_the_kind_that_it_is_read_as) {
+    // Paths that must exist, and texts of which only some are known.
+    const std::set<std::string> withOwnRules = {"fastapath", "outputpath", "modpath",      "aapath",
+                                                "msmspath1", "log",        "del_tmp_files"};
+    const CTempFolder folder;
+    folder.Write("any", "");
+    const CWorkingFolder working(folder.Path());
+    for (const std::string section : kSections) {
+        for (const auto& row : CFormatPage("parameter_file").Table("Section [" + section + ']')) {
+            const std::string& key = row.at(0);
+            if (withOwnRules.count(key) != 0) continue;
+            for (const std::string value : {"", "x"}) {
+                SCOPED_TRACE(key + '=' + value);
+                folder.Write("search.param", '[' + section + "]\n" + key + '=' + value + '\n' +
+                                                 "[file]\nfastapath=any\noutputpath=.\n"
+                                                 "modpath=any\naapath=any\n");
+                CConditionReader reader("search.param");
+                test::captured_output([&] { reader.Read(); });
+                CConditionWriter("written", &reader.m_cCondition).Write();
+                EXPECT_EQ(values_of(folder.Read("written")).at(section + ' ' + key),
+                          taken_for(row.at(1), value, row.at(2)));
+            }
+        }
+    }
+}
+
 TEST(parameter_file_page, tells_what_single_lines_become) {
     std::map<std::string, std::string> sections;  // by key
     for (const auto& [key, value] : page_defaults())
