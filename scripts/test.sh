@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the tests need, builds everything and runs all tests: optimised, and with the address
-# and undefined-behaviour sanitizers. Also builds the documentation, and compiles the library with
-# clang and for Windows.
+# and undefined-behaviour sanitizers. Also compiles the library with clang and for Windows.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -11,14 +10,14 @@ scripts/install_packages.sh g++ cmake ninja-build libgtest-dev python3 clang cla
 echo "== Format =="
 git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run --Werror
 
-echo "== Documentation =="
-scripts/docs.sh
-
 for preset in clang windows; do
     echo "== Build: $preset =="
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset" -- --quiet
 done
+
+echo "== Documentation =="
+scripts/docs.sh
 
 for preset in release sanitize; do
     echo "== Build and test: $preset =="
