@@ -16,6 +16,9 @@ for preset in clang windows; do
     cmake --build --preset "$preset" -- --quiet
 done
 
+echo "== Documentation =="
+scripts/docs.sh
+
 for preset in release sanitize; do
     echo "== Build and test: $preset =="
     cmake --preset "$preset" >/dev/null

@@ -72,6 +72,7 @@ void CForms::CollectTerminus(unsigned char position, char residue, bool atProtei
     CollectPosition(position, m_vFitting);
 }
 
+//! [selection]
 void CForms::CollectPosition(unsigned char position, const std::vector<const CMod*>& mods) {
     const auto fixed = std::find_if(mods.begin(), mods.end(), [this](const CMod* mod) {
         return m_cCondition.m_setFixMods.count(mod) != 0;
@@ -83,6 +84,7 @@ void CForms::CollectPosition(unsigned char position, const std::vector<const CMo
     for (const CMod* mod : mods)
         m_vVariable.push_back({position, mod});
 }
+//! [selection]
 
 // Adds `number` more of the choices from `first` on, one for each position.
 void CForms::Choose(std::size_t first, std::size_t number, double mass, const Visit& visit) {

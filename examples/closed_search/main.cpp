@@ -37,6 +37,7 @@ SUMMARY search_file(tessel::CCondition& condition) {
     SUMMARY summary;
     CProgress progress;
     CSearch search(condition, progress);
+    //! [batches]
     bool more = true;
     while (more) {
         const std::size_t done = summary.m_tSpectra;
@@ -47,6 +48,7 @@ SUMMARY search_file(tessel::CCondition& condition) {
         progress.End();
         write_batch_result(condition, std::move(candidates));
     }
+    //! [batches]
     summary.m_uScored = search.m_uScored;
     summary.m_cResult = write_final_result(condition);
     return summary;
@@ -84,12 +86,16 @@ void report(const tessel::CCondition& condition, const std::vector<SUMMARY>& sum
 }
 
 int run(const std::string& parameterFile) {
+    //! [settings]
     // What the reader cannot do without ends the process with status 1.
     tessel::CConditionReader reader(parameterFile);
     reader.Read();
     // The condition is used where it is: its tables point into it.
     tessel::CCondition& condition = reader.m_cCondition;
+    //! [settings]
+    //! [initialisation]
     condition.Initialize();
+    //! [initialisation]
     if (condition.m_vMSMSFiles.empty()) {
         condition.Message("No spectrum file is given.", tessel::LOG_ALERT);
         return 1;

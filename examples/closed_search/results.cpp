@@ -62,6 +62,7 @@ void write_batch_result(CCondition& condition, std::vector<CCandidates> candidat
 
 FINAL_RESULT write_final_result(CCondition& condition) {
     const std::string merged = output_path(condition, kExtension);
+    //! [results]
     condition.MergeSubRes(kExtension);
     // The merged file holds the heads of all batches; those of the last one are no better.
     condition.m_vSpectra.clear();
@@ -72,6 +73,7 @@ FINAL_RESULT write_final_result(CCondition& condition) {
 
     const std::string path = output_path(condition, "final.txt");
     condition.WriteFinalResult(path, 0.0);
+    //! [results]
     std::error_code ignored;
     if (condition.m_bDelTmp) std::filesystem::remove(host_path(merged), ignored);
 

@@ -78,6 +78,7 @@ std::vector<CCandidates> CSearch::SearchBatch() {
     const CPrecursorIndex index(m_cCondition.m_vSpectra);
     std::vector<CCandidates> candidates(m_cCondition.m_vSpectra.size());
 
+    //! [proteins]
     tessel::CFastaLoader& loader = m_cCondition.m_cFastaLoader;
     loader.Reset();
     bool more = true;
@@ -92,6 +93,7 @@ std::vector<CCandidates> CSearch::SearchBatch() {
             m_cProgress.Show(number + 1, loader.m_tEntryNum);
         }
     }
+    //! [proteins]
     return candidates;
 }
 

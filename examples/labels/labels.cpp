@@ -38,6 +38,7 @@ void run(const char* parameterFile) {
     condition.Initialize();
     const tessel::CAlphaBet unlabelled = condition.m_cAlphaBet;
 
+    //! [labels]
     const std::size_t labels = condition.WriteConfFiles();
     std::cout << std::fixed << std::setprecision(6);
     for (std::size_t i = 0; i < labels; ++i)
@@ -47,6 +48,7 @@ void run(const char* parameterFile) {
     condition.ReLoadAllMods();
     for (const tessel::CMod* mod : condition.m_vSelMods)
         std::cout << mod->m_strName << '\t' << mod->m_lfMass << '\n';
+    //! [labels]
 }
 
 }  // namespace

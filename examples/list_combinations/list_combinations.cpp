@@ -28,6 +28,7 @@ bool read_mass(const char* text, double& mass) {
     return read.ec == std::errc() && read.ptr == end && std::fabs(mass) < 1e9;
 }
 
+//! [lookup]
 // Where the combinations of a mass begin. A table begins at the lightest combination, if that is
 // lighter than nothing, and ends at the heaviest.
 std::size_t first_of_mass(const Group& group, const std::vector<std::uint32_t>& table,
@@ -38,6 +39,7 @@ std::size_t first_of_mass(const Group& group, const std::vector<std::uint32_t>& 
     const auto place = static_cast<std::size_t>(entry);
     return place < table.size() ? table[place] : group.size();
 }
+//! [lookup]
 
 void print(const tessel::CModCombInfo& combination) {
     std::cout << combination.m_lfMass << '\t';
@@ -56,7 +58,9 @@ void run(const char* parameterFile, double lower, double upper) {
     condition.ReadAA();
     condition.ReadMod();
     condition.CreateModList();
+    //! [combinations]
     condition.GenerateModComb();
+    //! [combinations]
 
     std::cout << std::fixed << std::setprecision(6);
     for (std::size_t i = 0; i < condition.m_vModComb.size(); ++i) {

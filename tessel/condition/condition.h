@@ -138,6 +138,7 @@ public:
     bool m_bNoProc = false;                        ///< for the engine; "noproc"
     int m_nMaxRound = 10;                          ///< rounds of the open search; "max_round"
 
+    /// With the values above; reads no file.
     CCondition();
     ~CCondition();
     CCondition(const CCondition&) = delete;
@@ -148,7 +149,8 @@ public:
     /// Makes an object whose settings are complete ready to search: labels, elements, amino acids,
     /// modifications and their selection, ion types, database, in this order. Returns 1; what goes
     /// wrong is reported, or ends the process, where it happens. Needs "element.ini" in the working
-    /// folder. Throws std::runtime_error when the protein database does not exist.
+    /// folder. Throws std::runtime_error when the protein database does not exist. Run it once: a
+    /// second run appends labels and ion types again.
     int Initialize();
 
     // ---- Messages and small helpers: condition/condition.cpp ----
@@ -223,7 +225,8 @@ public:
     /// item that is neither of residues nor of modifications.
     void ReadLabelInfo(const std::string& label);
     /// Reads the residues of m_strAAPath into m_cAlphaBet with the elements that m_mapAALabel
-    /// replaces, and writes them by WriteAA(). Needs ReadElementInfo() and ReadLabelInfo().
+    /// replaces, and writes them by WriteAA(). `labelIndex` counts m_vLabels from 0. Needs
+    /// ReadElementInfo() and ReadLabelInfo().
     void GenTmpAA(const std::size_t& labelIndex);
     /// Replaces m_vMods by its labelled and unlabelled forms and writes them by WriteMod(). A
     /// modification in which m_mapModLabel replaces an element gets a form with the label's number

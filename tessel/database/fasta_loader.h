@@ -32,7 +32,7 @@ public:
     /// ends before its counted entries sets m_bEnd and returns false, m_tReadNum below m_tEntryNum.
     bool ReadNextBatch();
 
-    CFastaParser m_cParser;
+    CFastaParser m_cParser;             ///< reads single entries
     std::ifstream m_ifsFasta;           ///< the open database
     std::size_t m_tEntryNum = 0;        ///< entries in the database
     std::size_t m_tResidueNum = 0;      ///< residues in the batch

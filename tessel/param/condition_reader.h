@@ -24,18 +24,20 @@ public:
     static void Validation_Path(const CCondition& condition, const std::string& path,
                                 const std::string& key);
 
-    /// Tolerances that are almost certainly a mistake, in any unit: below 1e-5 or above 10000.
+    /// True for a precursor tolerance that is almost certainly a mistake, in any unit: below 1e-5
+    /// or above 10000.
     static bool _strange_precursor_tolerance(const CCondition& condition);
+    /// The same of the fragment tolerance.
     static bool _strange_fragment_tolerance(const CCondition& condition);
 
-    /// The steps of Read(), in its order: each reads the section of its name, _LoadData() the
-    /// sections "file" and "datalist".
-    void _LoadParam();
-    void _LoadData();
-    void _LoadEngine();
-    void _LoadFilter();
-    void _LoadQuant();
-    void _LoadSystem();
+    // The steps of Read(), in its order.
+
+    void _LoadParam();   ///< section "param"
+    void _LoadData();    ///< sections "file" and "datalist"; a missing path ends the process
+    void _LoadEngine();  ///< section "engine"
+    void _LoadFilter();  ///< section "filter"
+    void _LoadQuant();   ///< section "quant"
+    void _LoadSystem();  ///< section "system", with the level of messages from here on
 
     std::string m_strPath;    ///< the parameter file
     CCondition m_cCondition;  ///< filled by Read(); used in place, because it cannot be copied

@@ -24,14 +24,14 @@ public:
     /// zero, the start of 1970 in UTC, in local time as well.
     void Write() const;
 
-    /// The steps of Write(), in its order: each appends the section of its name, _WriteData() the
-    /// sections "file" and "datalist".
-    void _WriteParam(std::string& text) const;
-    void _WriteEngine(std::string& text) const;
-    void _WriteFilter(std::string& text) const;
-    void _WriteData(std::string& text) const;
-    void _WriteQuant(std::string& text) const;
-    void _WriteSystem(std::string& text) const;
+    // The steps of Write(), in its order; each appends to `text`.
+
+    void _WriteParam(std::string& text) const;   ///< section "param"
+    void _WriteEngine(std::string& text) const;  ///< section "engine"
+    void _WriteFilter(std::string& text) const;  ///< section "filter"
+    void _WriteData(std::string& text) const;    ///< sections "file" and "datalist"
+    void _WriteQuant(std::string& text) const;   ///< section "quant"
+    void _WriteSystem(std::string& text) const;  ///< section "system"
 
     std::string m_strPath;           ///< the file to write
     const CCondition* m_pCondition;  ///< not owned

@@ -15,6 +15,7 @@ namespace tessel {
 /// Every lookup opens and scans the file anew; parameter files are small.
 class TESSEL_API COptionTool {
 public:
+    /// Keeps both texts; the file is not opened before the first lookup, and may be missing.
     COptionTool(const std::string& path, const std::string& section);
 
     /// The key's value in m_strSection; the default when it is not found, and the empty text, not

@@ -47,8 +47,11 @@ public:
     CPepRes() = default;
     /// Copies are deep: a site array of its own with the same modifications.
     CPepRes(const CPepRes& other);
+    /// Takes the sites over; `other` is left as a fresh candidate.
     CPepRes(CPepRes&& other) noexcept;
+    /// A deep copy, too; frees the sites that were here.
     CPepRes& operator=(const CPepRes& other);
+    /// Exchanges the two candidates.
     CPepRes& operator=(CPepRes&& other) noexcept;
     ~CPepRes();
 

@@ -10,8 +10,11 @@ struct PRO_INFO {
     char m_cPrev = '-';  ///< residue before the peptide; "-" when unknown
     char m_cNext = '-';  ///< residue behind the peptide; "-" when unknown
 
+    /// By m_nProID alone, like the two below.
     bool operator<(const PRO_INFO& other) const { return m_nProID < other.m_nProID; }
+    /// Larger key.
     bool operator>(const PRO_INFO& other) const { return m_nProID > other.m_nProID; }
+    /// Equal keys, whatever the rest.
     bool operator==(const PRO_INFO& other) const { return m_nProID == other.m_nProID; }
 };
 

@@ -12,8 +12,8 @@ namespace tessel {
 /// which is unique; as a double it is a hash with rare collisions.
 class TESSEL_API GodelCode {
 public:
-    static constexpr std::size_t kPositions = 500;  ///< entries of a row; sums stop here
-    static constexpr std::size_t kByteValues = 256;
+    static constexpr std::size_t kPositions = 500;   ///< entries of a row; sums stop here
+    static constexpr std::size_t kByteValues = 256;  ///< rows of the table
 
     /// Fills the table (1 MB): build one and share it.
     GodelCode();

@@ -1,0 +1,6 @@
+P1
+REV_P1
+P2
+REV_P2
+P3
+REV_P3

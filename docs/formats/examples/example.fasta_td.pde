@@ -1,0 +1,6 @@
+first protein
+_REV1
+second  protein
+_REV2
+
+_REV3

@@ -1,0 +1,16 @@
+label_name=None
+@NUMBER_MODIFICATION=7
+name1=Oxidation[M]#0	1
+Oxidation[M]#0=M	NORMAL	15.994915	15.994915	1		63.998285	63.998285	O(1)
+name2=Carbamidomethyl[C]#0	1
+Carbamidomethyl[C]#0=C	NORMAL	57.021464	57.021464	0		C(2)H(3)N(1)O(1)
+name3=Phospho[S]#0	1
+Phospho[S]#0=S	NORMAL	79.966331	79.966331	1		97.976896	97.976896	H(1)O(3)P(1)
+name4=Acetyl[ProteinN-term]#0	1
+Acetyl[ProteinN-term]#0=ACEGKMNPQRS	PRO_N	42.010565	42.010565	0		C(2)H(2)O(1)
+name5=Deamidated[N]#0	0
+Deamidated[N]#0=N	NORMAL	0.984016	0.984016	0		H(-1)N(-1)O(1)
+name6=Gln->pyro-Glu[AnyN-termQ]#0	0
+Gln->pyro-Glu[AnyN-termQ]#0=Q	PEP_N	-17.026549	-17.026549	0		H(-3)N(-1)
+name7=Citrullination[R]#0	0
+Citrullination[R]#0=R	NORMAL	0.984016	0.984016	0		H(-1)N(-1)O(1)
