@@ -35,6 +35,13 @@ class CommandLine(unittest.TestCase):
         for line in ended.stdout.splitlines():
             self.assertTrue(line.startswith(b"note: "), line)
 
+    def test_demonstration_has_notes_alone(self):
+        shutil.copytree(os.path.join(SOURCES, "data"), self.folder, dirs_exist_ok=True)
+        shutil.copytree(os.path.join(SOURCES, "examples", "ecoli"), self.folder, dirs_exist_ok=True)
+        ended = self.run_check("ecoli.param")
+        self.assertEqual(ended.returncode, 0, ended.stdout)
+        self.assertIn(b"139 spectra, 0 of them dropped", ended.stdout)
+
     def test_warning_is_status_1_and_error_2(self):
         self.lay("param_misspelt_key")
         self.assertEqual(self.run_check("run.param").returncode, 1)
