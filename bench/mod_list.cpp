@@ -1,8 +1,11 @@
 // CreateModList: the definitions are read, the tables of the selection are made.
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -203,23 +206,46 @@ void plain(CRound& round, std::size_t definitions) {
 
 // ---- The least: the records of the table and of the mass shifts, in reserved memory ----
 
+// The number of a shift behind its prefix, as "%.2f" of the mass, from an integer of hundredths.
+void set_number(std::string& name, double mass) {
+    char number[16];
+    char* end = number;
+    const auto hundredths = static_cast<unsigned>(std::fabs(mass) * 100.0 + 0.5);
+    if (std::signbit(mass)) *end++ = '-';
+    end = std::to_chars(end, number + sizeof number, hundredths / 100).ptr;
+    *end++ = '.';
+    *end++ = static_cast<char>('0' + hundredths / 10 % 10);
+    *end++ = static_cast<char>('0' + hundredths % 10);
+    name.resize(_BLIND_PREFIX.size());
+    name.append(number, end);
+}
+
+void construct_records(const CCondition& made, std::vector<CMod>& mods, std::vector<CMod>& shifts) {
+    mods.reserve(made.m_vMods.size());
+    for (const CMod& mod : made.m_vMods)
+        mods.push_back(mod);
+    CMod record;
+    record.m_strName = _BLIND_PREFIX;
+    record.m_strSites = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    shifts.reserve(made.m_vDeltaMods.size());
+    for (double shift = -made.m_lfMaxDelta; shift <= made.m_lfMaxDelta; shift += 0.01) {
+        record.m_lfMass = made.m_lfCenter + shift;
+        set_number(record.m_strName, record.m_lfMass);
+        shifts.push_back(record);
+    }
+}
+
 void limit(CRound& round, std::size_t definitions) {
-    CCondition condition;
-    prepare(condition, definitions);
-    CMod shift;
-    shift.m_strName = std::string(_BLIND_PREFIX) + "-100.00";
-    shift.m_strSites = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    CCondition made;
+    prepare(made, definitions);
+    made.CreateModList();
+    const std::uint64_t wanted = digest_of_mods(made.m_vMods) + digest_of_mods(made.m_vDeltaMods);
     std::vector<CMod> mods;
     std::vector<CMod> shifts;
-    round.Run([&] {
-        mods.reserve(condition.m_vMods.size());
-        for (const CMod& mod : condition.m_vMods)
-            mods.push_back(mod);
-        constexpr std::size_t kShifts = 100001;
-        shifts.reserve(kShifts);
-        for (std::size_t i = 0; i < kShifts; ++i)
-            shifts.push_back(shift);
-    });
+    round.Run([&] { construct_records(made, mods, shifts); });
+    if (digest_of_mods(mods) + digest_of_mods(shifts) != wanted) {
+        throw std::runtime_error("The limit of mod_list makes other records");
+    }
 }
 
 }  // namespace

@@ -24,6 +24,13 @@ void reserve_batch(std::vector<CProtein>& proteins, std::size_t remaining, std::
     }
 }
 
+// A protein of the batch before, to be read into: its short texts keep their memory, which saves a
+// tenth of the time of generating a target-decoy database. Sequences differ too much in length.
+CProtein& renewed(CProtein& protein) {
+    std::string().swap(protein.m_strSQ);
+    return protein;
+}
+
 }  // namespace
 
 CFastaLoader::CFastaLoader(const CCondition* condition) : m_pCondition(condition) {
@@ -52,21 +59,23 @@ bool CFastaLoader::ReadNextBatch() {
     const std::size_t maxResidues = m_pCondition->m_tMaxProLen;
     m_tResidueNum = 0;
     m_tBatchStart = m_tReadNum;
-    m_vProteins.clear();
     reserve_batch(m_vProteins, m_tEntryNum - std::min(m_tReadNum, m_tEntryNum), maxResidues);
 
+    std::size_t held = 0;
     bool cutOff = false;
     while (m_tReadNum < m_tEntryNum && m_tResidueNum <= maxResidues) {
-        CProtein& protein = m_vProteins.emplace_back();
+        CProtein& protein =
+            held < m_vProteins.size() ? renewed(m_vProteins[held]) : m_vProteins.emplace_back();
         if (!m_cParser.ReadOnePrteinEntry(protein, m_ifsFasta)) {
             // Fewer entries than were counted: the file has changed, or cannot be read.
-            m_vProteins.pop_back();
             cutOff = true;
             break;
         }
+        ++held;
         ++m_tReadNum;
         m_tResidueNum += protein.m_strSQ.size();
     }
+    m_vProteins.resize(held);
     ++m_tBatchNum;
     m_bEnd = cutOff || m_tReadNum >= m_tEntryNum;
     return !m_bEnd;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -41,9 +42,33 @@ void append_target(std::string& text, const CProtein& protein) {
     text += '\n';
 }
 
+std::uint64_t reversed(std::uint64_t bytes) {
+    bytes = (bytes & 0x00FF00FF00FF00FF) << 8 | (bytes >> 8 & 0x00FF00FF00FF00FF);
+    bytes = (bytes & 0x0000FFFF0000FFFF) << 16 | (bytes >> 16 & 0x0000FFFF0000FFFF);
+    return bytes << 32 | bytes >> 32;
+}
+
+// Eight characters from either end at a time: a sixth of the time of std::reverse(), which would be
+// a sixth of that of the whole generation.
+void reverse(std::string& text) {
+    char* first = text.data();
+    char* last = first + text.size();
+    for (; last - first >= 16; first += 8, last -= 8) {
+        std::uint64_t front;
+        std::uint64_t back;
+        std::memcpy(&front, first, 8);
+        std::memcpy(&back, last - 8, 8);
+        front = reversed(front);
+        back = reversed(back);
+        std::memcpy(first, &back, 8);
+        std::memcpy(last - 8, &front, 8);
+    }
+    std::reverse(first, last);
+}
+
 void turn_into_decoy(CProtein& protein) {
     protein.m_strAC.insert(0, _REV_TAG);
-    std::reverse(protein.m_strSQ.begin(), protein.m_strSQ.end());
+    reverse(protein.m_strSQ);
 }
 
 void append_decoy(std::string& text, const CProtein& decoy, std::size_t number) {

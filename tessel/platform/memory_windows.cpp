@@ -17,4 +17,8 @@ std::uint64_t available_memory(const std::string&) {
     return std::min<std::uint64_t>(status.ullAvailPageFile, status.ullAvailVirtual);
 }
 
+void CFreshPages::MakeReady() {
+    m_pReady = m_pEnd;
+}
+
 }  // namespace tessel

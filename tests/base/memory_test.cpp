@@ -1,12 +1,15 @@
 #include "tessel/platform/memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "tests/support/temp_folder.h"
 
@@ -86,6 +89,63 @@ TEST(available_memory, follows_the_limit_of_address_space) {
         testing::ExitedWithCode(0), "");
 }
 #endif
+
+// Pages of the process's own, none of them present at first.
+class fresh_pages : public testing::Test {
+protected:
+    static constexpr std::size_t kPages = 256;
+
+    void SetUp() override {
+        void* const memory = mmap(nullptr, kPages * m_tPage, PROT_READ | PROT_WRITE,
+                                  MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        ASSERT_NE(memory, MAP_FAILED);
+        m_pMemory = static_cast<char*>(memory);
+    }
+    void TearDown() override { munmap(m_pMemory, kPages * m_tPage); }
+    std::size_t Present() const {
+        std::vector<unsigned char> present(kPages);
+        mincore(m_pMemory, kPages * m_tPage, present.data());
+        std::size_t number = 0;
+        for (const unsigned char page : present)
+            number += page & 1;
+        return number;
+    }
+
+    const std::size_t m_tPage = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    char* m_pMemory = nullptr;
+};
+
+TEST_F(fresh_pages, are_present_ahead_of_what_is_written_and_not_behind_the_end) {
+    constexpr std::size_t kWanted = kPages - 10;
+    CFreshPages pages(m_pMemory, kWanted * m_tPage + 1);
+    EXPECT_EQ(Present(), 0U);
+    pages.Reach(m_pMemory);
+    if (Present() == 0) GTEST_SKIP() << "a system that cannot make pages present";
+    EXPECT_GT(Present(), 10U);
+    EXPECT_LT(Present(), kWanted);
+    for (std::size_t page = 0; page < kWanted; ++page)
+        pages.Reach(m_pMemory + page * m_tPage);
+    EXPECT_EQ(Present(), kWanted);
+}
+
+TEST_F(fresh_pages, keep_what_they_hold) {
+    std::string wanted;
+    for (std::size_t i = 0; i < kPages * m_tPage; ++i)
+        wanted += static_cast<char>(i % 251);
+    wanted.copy(m_pMemory, wanted.size());
+    CFreshPages pages(m_pMemory + 5, wanted.size() - 7);
+    for (std::size_t i = 5; i < wanted.size() - 2; i += 100)
+        pages.Reach(m_pMemory + i);
+    EXPECT_TRUE(wanted == std::string(m_pMemory, wanted.size()));
+}
+
+TEST_F(fresh_pages, may_be_none) {
+    CFreshPages pages(nullptr, 0);
+    pages.Reach(nullptr);
+    CFreshPages few(m_pMemory + 1, 10);
+    few.Reach(m_pMemory + 1);
+    EXPECT_EQ(Present(), 0U);
+}
 
 }  // namespace
 }  // namespace tessel
