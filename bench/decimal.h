@@ -35,17 +35,31 @@ inline const char* parse_decimal(const char* text, const char* last, double& val
 }
 
 inline char* put_integer(char* out, std::uint64_t value) {
+    if (value < 10) {
+        *out = static_cast<char>('0' + value);
+        return out + 1;
+    }
     return std::to_chars(out, out + 20, value).ptr;
 }
 
 inline char* put_signed(char* out, std::int64_t value) {
-    return std::to_chars(out, out + 21, value).ptr;
+    if (value < 0) *out++ = '-';
+    const auto bits = static_cast<std::uint64_t>(value);
+    return put_integer(out, value < 0 ? -bits : bits);
 }
 
 /// `digits` digits, zeros in front included.
 inline char* put_digits(char* out, std::uint64_t value, int digits) {
-    for (int i = digits; i-- > 0; value /= 10)
-        out[i] = static_cast<char>('0' + value % 10);
+    static constexpr char kPairs[] =
+        "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243"
+        "4445464748495051525354555657585960616263646566676869707172737475767778798081828384858687"
+        "888990919293949596979899";
+    int left = digits;
+    for (; left >= 2; value /= 100) {
+        left -= 2;
+        std::memcpy(out + left, kPairs + 2 * (value % 100), 2);
+    }
+    if (left == 1) *out = static_cast<char>('0' + value % 10);
     return out + digits;
 }
 

@@ -1,8 +1,10 @@
 #include "tessel/base/number.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 #include "tessel/base/little_endian.h"
 
@@ -98,7 +100,7 @@ const char* read_short_decimal(const char* first, const char* last, double& valu
 // ---- Writing ----
 
 constexpr int kGeneralDigits = 6;
-constexpr int kMaxScaledDecimals = 9;
+constexpr int kMaxScaledDecimals = 15;  // with bits to spare for the rounding
 
 // A number from 0 on as rounded to some decimals: whole part, and the decimals as an integer.
 struct SCALED {
@@ -141,6 +143,20 @@ bool scale(double value, int decimals, SCALED& scaled) {
     return true;
 }
 
+// The last `count` digits of a number, zeros in front included, two at a time: with half the
+// divisions, writing results takes a twentieth fewer instructions.
+void write_digits(char* text, std::uint64_t value, int count) {
+    static constexpr auto kPairs = [] {
+        std::array<char, 200> pairs{};
+        for (std::size_t i = 0; i < pairs.size(); ++i)
+            pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+        return pairs;
+    }();
+    for (; count >= 2; count -= 2, value /= 100)
+        std::memcpy(text + count - 2, &kPairs[2 * (value % 100)], 2);
+    if (count == 1) *text = static_cast<char>('0' + value % 10);
+}
+
 // Writes the number and returns the end.
 char* write_scaled(char* text, bool negative, const SCALED& scaled, int decimals) {
     constexpr std::ptrdiff_t kWholeDigits = 20;
@@ -148,21 +164,51 @@ char* write_scaled(char* text, bool negative, const SCALED& scaled, int decimals
     text = std::to_chars(text, text + kWholeDigits, scaled.whole).ptr;
     if (decimals == 0) return text;
     *text = '.';
-    std::uint64_t fraction = scaled.fraction;
-    for (char* digit = text + decimals; digit != text; --digit) {
-        *digit = static_cast<char>('0' + fraction % 10);
-        fraction /= 10;
-    }
+    write_digits(text + 1, scaled.fraction, decimals);
     return text + 1 + decimals;
 }
 
-// Null where six significant digits need an exponent or more than integers; trailing zeros go.
+char* without_zeros(char* end) {
+    while (end[-1] == '0')
+        --end;
+    return end;
+}
+
+// A magnitude below 1e-4 as "d.ddddde-XX". Null where the digits are not certain, or too far behind
+// the point to be taken as an integer.
+char* write_short_exponent(char* text, bool negative, double magnitude) {
+    constexpr double kBounds[] = {1e-10, 1e-9, 1e-8, 1e-7, 1e-6, 1e-5};  // exponents -10 to -5
+    if (!(magnitude >= kBounds[0])) return nullptr;
+    int exponent = 5;
+    while (magnitude < kBounds[10 - exponent])
+        ++exponent;
+    SCALED scaled;
+    if (!scale(magnitude, exponent + kGeneralDigits - 1, scaled)) return nullptr;
+    if (scaled.fraction >= 1000000) return nullptr;  // rounded up to the next exponent
+
+    if (negative) *text++ = '-';
+    write_digits(text + 1, scaled.fraction, kGeneralDigits);
+    text[0] = text[1];
+    text[1] = '.';
+    char* end = without_zeros(text + 1 + kGeneralDigits);
+    if (end[-1] == '.') --end;
+    *end++ = 'e';
+    *end++ = '-';
+    write_digits(end, static_cast<std::uint64_t>(exponent), 2);
+    return end + 2;
+}
+
+// Null where six significant digits need another exponent or more than integers; trailing zeros go.
 char* write_short_general(char* text, double value) {
     constexpr double kBounds[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
     constexpr int kSteps = 10;
+    constexpr int kMaxDecimals = 9;
     const double magnitude = std::fabs(value);
-    if (value != 0.0 && !(magnitude >= kBounds[0] && magnitude < kBounds[kSteps])) return nullptr;
-    int decimals = value != 0.0 ? kMaxScaledDecimals : 0;
+    if (!(magnitude < kBounds[kSteps])) return nullptr;
+    if (value != 0.0 && magnitude < kBounds[0]) {
+        return write_short_exponent(text, std::signbit(value), magnitude);
+    }
+    int decimals = value != 0.0 ? kMaxDecimals : 0;
     while (decimals > 0 && magnitude >= kBounds[kSteps - decimals])
         --decimals;
 
@@ -171,8 +217,7 @@ char* write_short_general(char* text, double value) {
     if (scaled.whole == 1000000) return nullptr;  // rounded up to where an exponent begins
     char* end = write_scaled(text, std::signbit(value), scaled, decimals);
     if (decimals > 0) {
-        while (end[-1] == '0')
-            --end;
+        end = without_zeros(end);
         if (end[-1] == '.') --end;
     }
     return end;

@@ -21,6 +21,10 @@ bool same_site(const MOD_SITE& a, const MOD_SITE& b) {
     return a.m_pMod->m_strName == b.m_pMod->m_strName;
 }
 
+bool same_key(const CPepRes& a, const CPepRes& b) {
+    return truncated_score(a.m_lfScore) == truncated_score(b.m_lfScore);
+}
+
 // What a duplicate adds to the candidate that stays.
 void absorb(CPepRes& kept, CPepRes& duplicate) {
     kept.m_setProteins.merge(duplicate.m_setProteins);
@@ -69,6 +73,8 @@ bool CCondition::_equal_res(const CPepRes& a, const CPepRes& b) const {
 }
 
 void CCondition::RemoveRedundancy(std::vector<CPepRes>& peps) const {
+    // Most lists have no two neighbours of the same key, so none can be duplicates.
+    if (std::adjacent_find(peps.begin(), peps.end(), same_key) == peps.end()) return;
     std::vector<bool> marked(peps.size());
     for (std::size_t i = 0; i < peps.size(); ++i) {
         if (marked[i]) continue;

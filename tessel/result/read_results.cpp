@@ -3,14 +3,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
+#include "tessel/base/little_endian.h"
 #include "tessel/base/message_text.h"
 #include "tessel/base/number.h"
 #include "tessel/base/word_reader.h"
@@ -21,81 +23,100 @@
 namespace tessel {
 namespace {
 
-// A spectrum has about so many candidates; growing a list of them one by one would cost as much as
-// reading them.
-constexpr std::size_t kUsualPeps = 10;
+// The modifications that files name: the same few again and again, out of a hundred thousand.
+// A hash map of them still took an eighth of the time of loading. Here every name has its slot,
+// which the next name that belongs there takes over.
+class CKnownMods {
+public:
+    // A power of two as the number of slots, at most kSlots.
+    CKnownMods(std::map<std::string, CMod*>& mods, std::size_t slots)
+        : m_mapMods(mods), m_vSlots(slots) {}
 
-// "key;site;previous;next": the two residues may be any characters, ";" included.
-bool parse_hit(std::string_view token, PRO_INFO& hit) {
-    const char* const last = token.data() + token.size();
-    const char* next = read_integer(token.data(), last, hit.m_nProID);
-    if (next == nullptr || next == last || *next != ';') return false;
-    next = read_integer(next + 1, last, hit.m_nSite);
-    if (next == nullptr || last - next < 4 || next[0] != ';' || next[2] != ';') return false;
-    hit.m_cPrev = next[1];
-    hit.m_cNext = next[3];
-    return true;
-}
+    // A name that is not in the map enters it with null.
+    const CMod* Find(std::string_view name) {
+        SLOT& slot = m_vSlots[hash_of(name) & (m_vSlots.size() - 1)];
+        if (slot.m_strName != name) {
+            const auto [entry, isNew] = m_mapMods.try_emplace(std::string(name), nullptr);
+            slot = {entry->first, entry->second};
+        }
+        return slot.m_pMod;
+    }
+
+    static constexpr std::size_t kSlots = std::size_t{1} << 13;
+
+private:
+    struct SLOT {
+        std::string_view m_strName;  // lies in the map
+        const CMod* m_pMod = nullptr;
+    };
+
+    static std::size_t hash_of(std::string_view name) {
+        std::uint64_t hash = name.size();
+        const auto add = [&hash](std::uint64_t part) { hash = (hash ^ part) * 0x9E3779B97F4A7C15; };
+        if (name.size() < 8) {
+            for (const char c : name)
+                add(static_cast<unsigned char>(c));
+        } else {
+            for (std::size_t i = 0; i + 8 < name.size(); i += 8)
+                add(little_endian_64(name.data() + i));
+            add(little_endian_64(name.data() + name.size() - 8));
+        }
+        return static_cast<std::size_t>(hash >> 51);  // the high bits depend on all characters
+    }
+
+    std::map<std::string, CMod*>& m_mapMods;
+    std::vector<SLOT> m_vSlots;
+};
 
 // Reads the fields of a candidate behind its rank, in the order of the file. Every function is
 // false when a field cannot be read as its kind.
 template <class Tokens>
 class CPepFields {
 public:
-    CPepFields(CCondition& condition, Tokens& tokens)
-        : m_cCondition(condition), m_cTokens(tokens) {}
+    CPepFields(const CCondition& condition, CKnownMods& mods, Tokens& tokens)
+        : m_cCondition(condition), m_cMods(mods), m_cTokens(tokens) {}
 
     bool Read(const CPSMRes& psm, CPepRes& pep) {
         std::string_view sequence;
-        if (!m_cTokens.Token(sequence)) return false;
+        if (!m_cTokens.Word(sequence)) return false;
         pep.m_strSeq = sequence;
         return Measure(pep.m_lfPepMass) && Measure(pep.m_lfScore) && Measure(pep.m_lfFinalScore) &&
-               Number(pep.m_lfQValue) && Sites(pep) && Byte(pep.m_ucAuxMax) && Flag(pep.m_bDecoy) &&
-               Byte(pep.m_ucAux1) && Hits(psm.m_strTitle, pep) && Byte(pep.m_ucAux2) &&
-               Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) && Numbers(pep.m_nAuxB);
+               m_cTokens.Number(pep.m_lfQValue) && Sites(pep) && Byte(pep.m_ucAuxMax) &&
+               Flag(pep.m_bDecoy) && Byte(pep.m_ucAux1) && Hits(psm.m_strTitle, pep) &&
+               Byte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
+               Numbers(pep.m_nAuxB);
     }
 
 private:
-    template <class Value>
-    bool Number(Value& value) {
-        std::string_view token;
-        if (!m_cTokens.Token(token)) return false;
-        const char* const last = token.data() + token.size();
-        if constexpr (std::is_floating_point_v<Value>) {
-            return read_double(token.data(), last, value) != nullptr;
-        } else {
-            return read_integer(token.data(), last, value) != nullptr;
-        }
-    }
-
     template <class List>
     bool Numbers(List& values) {
         for (auto& value : values) {
-            if (!Number(value)) return false;
+            if (!m_cTokens.Number(value)) return false;
         }
         return true;
     }
 
     // The numbers by which candidates are compared and selected.
-    bool Measure(double& value) { return Number(value) && !std::isnan(value); }
+    bool Measure(double& value) { return m_cTokens.Number(value) && !std::isnan(value); }
 
     bool Byte(unsigned char& byte) {
         int value = 0;
-        if (!Number(value)) return false;
+        if (!m_cTokens.Number(value)) return false;
         byte = static_cast<unsigned char>(value);
         return true;
     }
 
     bool Flag(unsigned char& flag) {
         int value = 0;
-        if (!Number(value)) return false;
+        if (!m_cTokens.Number(value)) return false;
         flag = value != 0 ? 1 : 0;
         return true;
     }
 
     bool Sites(CPepRes& pep) {
         unsigned count = 0;
-        if (!Number(count) || count > std::numeric_limits<unsigned char>::max()) return false;
+        if (!m_cTokens.Number(count)) return false;
+        if (count > std::numeric_limits<unsigned char>::max()) return false;
         pep.Clean();
         pep.m_ucModNum = static_cast<unsigned char>(count);
         if (count > 0) pep.m_pMods = new MOD_SITE[count];
@@ -105,18 +126,9 @@ private:
 
     bool Site(MOD_SITE& site) {
         std::string_view name;
-        if (!Byte(site.m_ucPos) || !m_cTokens.Token(name)) return false;
-        site.m_pMod = Modification(name);
+        if (!Byte(site.m_ucPos) || !m_cTokens.Word(name)) return false;
+        site.m_pMod = m_cMods.Find(name);
         return true;
-    }
-
-    // A file names the same few modifications again and again, out of a hundred thousand.
-    const CMod* Modification(std::string_view name) {
-        if (const auto known = m_mapKnown.find(name); known != m_mapKnown.end()) {
-            return known->second;
-        }
-        const auto [entry, isNew] = m_cCondition.m_mapMods.try_emplace(std::string(name), nullptr);
-        return m_mapKnown.emplace(entry->first, entry->second).first->second;
     }
 
     // A count that the file cannot hold is refused at once: reading up to the end of the file for
@@ -124,12 +136,11 @@ private:
     bool Hits(const std::string& title, CPepRes& pep) {
         constexpr std::uint64_t kShortestHit = 8;  // a blank and "0;0;A;B"
         int count = 0;
-        if (!Number(count) || count < 0) return false;
+        if (!m_cTokens.Number(count) || count < 0) return false;
         if (!m_cTokens.MayHold(static_cast<std::uint64_t>(count) * kShortestHit)) return false;
         for (int i = 0; i < count; ++i) {
-            std::string_view token;
             PRO_INFO hit;
-            if (!m_cTokens.Token(token) || !parse_hit(token, hit)) return false;
+            if (!m_cTokens.Hit(hit)) return false;
             pep.m_setProteins.insert(pep.m_setProteins.end(), hit);
         }
         if (pep.m_setProteins.size() != static_cast<std::size_t>(count)) {
@@ -138,9 +149,9 @@ private:
         return true;
     }
 
-    CCondition& m_cCondition;
+    const CCondition& m_cCondition;
+    CKnownMods& m_cMods;
     Tokens& m_cTokens;
-    std::unordered_map<std::string_view, const CMod*> m_mapKnown;  // keys lie in m_mapMods
 };
 
 // A spectrum head, its "S" already taken: mass and charge on the rest of that line, the title on
@@ -160,12 +171,76 @@ bool read_head(CResultText& text, CPSMRes& spectrum) {
     return true;
 }
 
-// The spectrum's entry in the map; one that is there already stays as it is.
-CPSMRes& entry_of(std::map<std::string, CPSMRes>& results, const CPSMRes& spectrum) {
-    const auto [entry, isNew] = results.try_emplace(spectrum.m_strTitle);
-    if (isNew) entry->second = spectrum;
-    return entry->second;
+using ResultMap = std::map<std::string, CPSMRes>;
+
+// The spectrum's entry in the map; one that is there already stays as it is. Most spectra of a file
+// go right behind the one before, `previous`, where no search is needed.
+ResultMap::iterator entry_of(ResultMap& results, ResultMap::iterator previous,
+                             const CPSMRes& spectrum) {
+    const std::size_t known = results.size();
+    const auto hint = previous == results.end() ? previous : std::next(previous);
+    const auto entry = results.try_emplace(hint, spectrum.m_strTitle);
+    if (results.size() != known) entry->second = spectrum;
+    return entry;
 }
+
+// Two ways to choose among the candidates of a file. Each is read into Fresh(), whatever becomes of
+// it; `peps` is the list of its spectrum, null before there is one. Then Keep() decides about it,
+// or Drop() takes it back because it could not be read.
+
+// The first candidates of every spectrum, up to a number and a final score. All but the first of a
+// list are read where they stay: moving them took a fifteenth of the time of loading.
+class CFirstPeps {
+public:
+    CFirstPeps(std::uint64_t maxPeps, double maxFinalScore)
+        : m_uMaxPeps(maxPeps), m_lfMaxFinalScore(maxFinalScore) {}
+
+    CPepRes& Fresh(std::vector<CPepRes>* peps) {
+        const bool isInPlace = peps != nullptr && !peps->empty() && peps->size() < m_uMaxPeps;
+        m_pInPlace = isInPlace ? peps : nullptr;
+        if (isInPlace) return peps->emplace_back();
+        return m_cSpare = CPepRes();
+    }
+    void Keep(std::vector<CPepRes>& peps) {
+        if (m_pInPlace != nullptr) {
+            if (peps.back().m_lfFinalScore > m_lfMaxFinalScore) peps.pop_back();
+            return;
+        }
+        if (peps.size() >= m_uMaxPeps || m_cSpare.m_lfFinalScore > m_lfMaxFinalScore) return;
+        if (peps.empty()) peps.reserve(std::min<std::size_t>(m_uMaxPeps, kUsualPeps));
+        peps.push_back(std::move(m_cSpare));
+    }
+    void Drop() {
+        if (m_pInPlace != nullptr) m_pInPlace->pop_back();
+    }
+
+private:
+    // A spectrum has about so many candidates; growing a list of them one by one would cost as much
+    // as reading them.
+    static constexpr std::size_t kUsualPeps = 10;
+
+    std::uint64_t m_uMaxPeps;
+    double m_lfMaxFinalScore;
+    std::vector<CPepRes>* m_pInPlace = nullptr;  // the list whose last record is the fresh one
+    CPepRes m_cSpare;
+};
+
+// The most confident candidate of every spectrum.
+class CBestPep {
+public:
+    CPepRes& Fresh(std::vector<CPepRes>*) { return m_cSpare = CPepRes(); }
+    void Keep(std::vector<CPepRes>& peps) {
+        if (peps.empty()) {
+            peps.push_back(std::move(m_cSpare));
+        } else if (CPepRes::ConfidentByQV(m_cSpare, peps.front())) {
+            peps.front() = std::move(m_cSpare);
+        }
+    }
+    void Drop() {}
+
+private:
+    CPepRes m_cSpare;
+};
 
 struct DROPPED_RECORDS {
     std::uint64_t m_uCount = 0;
@@ -182,36 +257,67 @@ void report_faults(const CCondition& condition, const std::string& path, bool un
         LOG_ALERT);
 }
 
-// Reads one file. keep(peps, pep) decides about a candidate of the spectrum whose list is `peps`.
-template <class Keep>
-void load_file(CCondition& condition, const std::string& path, Keep keep) {
+// The records of one file on their way into the result map.
+template <class Choice>
+class CFileLoader {
+public:
+    CFileLoader(CCondition& condition, std::FILE* file, Choice choice)
+        : m_mapResults(condition.m_mapPSMRes),
+          m_cText(file),
+          m_cMods(condition.m_mapMods, CKnownMods::kSlots),
+          m_cFields(condition, m_cMods, m_cText),
+          m_cChoice(choice),
+          m_cEntry(m_mapResults.end()) {}
+
+    void Load(const CCondition& condition, const std::string& path) {
+        DROPPED_RECORDS dropped;
+        std::string_view token;
+        while (m_cText.NextRecord(token)) {
+            if (token == "S" ? Head() : Pep()) continue;
+            if (dropped.m_uCount++ == 0) dropped.m_uFirstLine = m_cText.RecordLine();
+            m_cText.LeaveRecord();
+        }
+        report_faults(condition, path, m_cText.Failed(), dropped);
+    }
+
+private:
+    bool Head() {
+        if (!read_head(m_cText, m_cSpectrum)) return false;
+        m_cEntry = entry_of(m_mapResults, m_cEntry, m_cSpectrum);
+        return true;
+    }
+
+    bool Pep() {
+        const bool hasEntry = m_cEntry != m_mapResults.end();
+        CPepRes& pep = m_cChoice.Fresh(hasEntry ? &m_cEntry->second.m_vPeps : nullptr);
+        if (!m_cFields.Read(m_cSpectrum, pep)) {
+            m_cChoice.Drop();
+            return false;
+        }
+        pep.m_lfMassDev = m_cSpectrum.m_lfMH - pep.m_lfPepMass;
+        if (!hasEntry) m_cEntry = entry_of(m_mapResults, m_cEntry, m_cSpectrum);
+        m_cChoice.Keep(m_cEntry->second.m_vPeps);
+        m_cText.SkipLine();
+        return true;
+    }
+
+    ResultMap& m_mapResults;
+    CResultText m_cText;
+    CKnownMods m_cMods;
+    CPepFields<CResultText> m_cFields;
+    Choice m_cChoice;
+    ResultMap::iterator m_cEntry;  // of the spectrum; the end before the first one
+    CPSMRes m_cSpectrum;           // as its head tells; its own list stays empty
+};
+
+template <class Choice>
+void load_file(CCondition& condition, const std::string& path, const Choice& choice) {
     const FilePtr file = open_file(path, "rb");
     if (!file) {
         condition.Message("Cannot open the result file: " + path, LOG_ALERT);
         return;
     }
-    CResultText text(file.get());
-    CPepFields<CResultText> fields(condition, text);
-    CPSMRes spectrum;  // as its head tells; its own list stays empty
-    std::vector<CPepRes>* peps = nullptr;
-    DROPPED_RECORDS dropped;
-    std::string_view token;
-    while (text.NextRecord(token)) {
-        CPepRes pep;
-        const bool isHead = token == "S";
-        const bool isGood = isHead ? read_head(text, spectrum) : fields.Read(spectrum, pep);
-        if (!isGood) {
-            if (dropped.m_uCount++ == 0) dropped.m_uFirstLine = text.RecordLine();
-            text.LeaveRecord();
-            continue;
-        }
-        if (isHead || peps == nullptr) peps = &entry_of(condition.m_mapPSMRes, spectrum).m_vPeps;
-        if (isHead) continue;
-        pep.m_lfMassDev = spectrum.m_lfMH - pep.m_lfPepMass;
-        keep(*peps, std::move(pep));
-        text.LinePiece(token);
-    }
-    report_faults(condition, path, text.Failed(), dropped);
+    CFileLoader<Choice>(condition, file.get(), choice).Load(condition, path);
 }
 
 }  // namespace
@@ -236,29 +342,20 @@ int CCondition::InitialResMap() {
 
 int CCondition::_ReadOnePep(const CPSMRes& psm, CPepRes& pep, char* buffer, std::FILE* file) {
     CStreamTokens tokens(file, buffer);
-    CPepFields<CStreamTokens>(*this, tokens).Read(psm, pep);
+    CKnownMods mods(m_mapMods, 1);
+    CPepFields<CStreamTokens>(*this, mods, tokens).Read(psm, pep);
     pep.m_lfMassDev = psm.m_lfMH - pep.m_lfPepMass;
     return 1;
 }
 
 int CCondition::_LoadResult(const std::string& path, const unsigned long long& maxPeps,
                             const double& maxFinalScore) {
-    load_file(*this, path, [&](std::vector<CPepRes>& peps, CPepRes&& pep) {
-        if (peps.size() >= maxPeps || pep.m_lfFinalScore > maxFinalScore) return;
-        if (peps.empty()) peps.reserve(std::min<std::size_t>(maxPeps, kUsualPeps));
-        peps.push_back(std::move(pep));
-    });
+    load_file(*this, path, CFirstPeps(maxPeps, maxFinalScore));
     return 1;
 }
 
 int CCondition::_LoadGroupResult(const std::string& path) {
-    load_file(*this, path, [](std::vector<CPepRes>& peps, CPepRes&& pep) {
-        if (peps.empty()) {
-            peps.push_back(std::move(pep));
-        } else if (CPepRes::ConfidentByQV(pep, peps.front())) {
-            peps.front() = std::move(pep);
-        }
-    });
+    load_file(*this, path, CBestPep());
     return 1;
 }
 

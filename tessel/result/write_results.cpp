@@ -2,6 +2,7 @@
 // goes out.
 
 #include <charconv>
+#include <cstdint>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -36,8 +37,7 @@ public:
     }
     template <class Integer>
     void Number(Integer value) {
-        char* const space = Space(kMaxNumberText);
-        EndAt(std::to_chars(space, space + kMaxNumberText, value).ptr);
+        EndAt(Written(Space(kMaxNumberText), value));
     }
 
     // Each of these stands behind a tab.
@@ -47,17 +47,10 @@ public:
     }
     template <class Integer>
     void NumberField(Integer value) {
-        Char('\t');
-        Number(value);
+        EndAt(Written(FieldSpace(), value));
     }
-    void FixedField(double value) {
-        Char('\t');
-        EndAt(write_fixed(Space(kMaxNumberText), value, 6));
-    }
-    void GeneralField(double value) {
-        Char('\t');
-        EndAt(write_general(Space(kMaxNumberText), value));
-    }
+    void FixedField(double value) { EndAt(write_fixed(FieldSpace(), value, 6)); }
+    void GeneralField(double value) { EndAt(write_general(FieldSpace(), value)); }
 
     void Flush() {
         std::fwrite(m_vBlock.data(), 1, m_tUsed, m_pFile);
@@ -71,6 +64,21 @@ private:
     char* Space(std::size_t size) {
         if (size > Room()) Flush();
         return m_vBlock.data() + m_tUsed;
+    }
+    char* FieldSpace() {
+        char* const space = Space(1 + kMaxNumberText);
+        *space = '\t';
+        return space + 1;
+    }
+    // Most integers of a result have one digit: asking for it saves a thirtieth of the
+    // instructions.
+    template <class Integer>
+    static char* Written(char* text, Integer value) {
+        if (static_cast<std::uint64_t>(value) > 9) {
+            return std::to_chars(text, text + kMaxNumberText, value).ptr;
+        }
+        *text = static_cast<char>('0' + value);
+        return text + 1;
     }
     void EndAt(const char* end) { m_tUsed = static_cast<std::size_t>(end - m_vBlock.data()); }
 

@@ -183,10 +183,11 @@ TEST(number, rounding_is_that_of_printf_at_every_border) {
              {middle, std::nextafter(middle, 0.0), std::nextafter(middle, 1e308)}) {
             for (const double value : {size, -size}) {
                 char expected[2000];
-                std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.0lf %.9lf %.6g", value,
-                              value, value, value, value);
+                std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.0lf %.9lf %.15lf %.6g",
+                              value, value, value, value, value, value);
                 std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ' +
-                                   fixed_text(value, 0) + ' ' + fixed_text(value, 9) + ' ';
+                                   fixed_text(value, 0) + ' ' + fixed_text(value, 9) + ' ' +
+                                   fixed_text(value, 15) + ' ';
                 append_general(text, value);
                 ASSERT_EQ(text, expected);
             }
