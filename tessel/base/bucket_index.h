@@ -33,11 +33,38 @@ inline std::int64_t milli_dalton(double mass) {
     return std::isfinite(mass) ? truncated(mass * 1000.0) : kNoBucket;
 }
 
+/// Fills a short table, most of which are filled by the hundred thousand, in one pass over memory
+/// that is warm, where a run may be written beyond its end; the copy has the exact size, and the
+/// table's own memory, which is new to the process as a rule, is written once. That takes a third
+/// of the time of what fill_buckets() does for others. False for a longer table.
+template <class Index, class Entries, class BucketOf>
+bool fill_few_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
+    constexpr std::size_t kFew = 4096;
+    constexpr std::size_t kStep = 32;
+    Index run[kFew + kStep];
+    std::size_t filled = 0;
+    Index position = 0;
+    for (const auto& entry : entries) {
+        const std::int64_t bucket = bucketOf(entry);
+        if (bucket >= static_cast<std::int64_t>(kFew)) return false;
+        if (bucket != kNoBucket) {
+            const std::size_t end = static_cast<std::size_t>(std::max<std::int64_t>(bucket, 0)) + 1;
+            for (std::size_t at = filled; at < end; at += kStep)
+                std::fill_n(run + at, kStep, position);
+            filled = std::max(filled, end);
+        }
+        ++position;
+    }
+    table.assign(run, run + filled);
+    return true;
+}
+
 /// Rebuilds `table` over `entries`; bucketOf(entry) is the entry's bucket. Entries that are out of
 /// order, with a bucket below one already reached, are left to the entry that reached it. False,
 /// and the table empty, when it would be larger than kMaxBuckets.
 template <class Index, class Entries, class BucketOf>
 bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
+    if (fill_few_buckets(table, entries, bucketOf)) return true;
     table.clear();
     std::int64_t last = kNoBucket;
     for (const auto& entry : entries)
