@@ -33,15 +33,15 @@ inline std::int64_t milli_dalton(double mass) {
     return std::isfinite(mass) ? truncated(mass * 1000.0) : kNoBucket;
 }
 
-/// Fills a short table, most of which are filled by the hundred thousand, in one pass over memory
-/// that is warm, where a run may be written beyond its end; the copy has the exact size, and the
-/// table's own memory, which is new to the process as a rule, is written once. That takes a third
-/// of the time of what fill_buckets() does for others. False for a longer table.
+/// The same as fill_buckets() for tables of up to 4096 buckets, false for a longer one. Spectra
+/// have short tables, and many: one pass fills memory that is warm, where a run may be written
+/// beyond its end, and the copy touches the table's own memory, which is new as a rule, only once.
+/// The tables of 30,000 spectra take 30 ms instead of 90.
 template <class Index, class Entries, class BucketOf>
 bool fill_few_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
     constexpr std::size_t kFew = 4096;
     constexpr std::size_t kStep = 32;
-    Index run[kFew + kStep];
+    Index warm[kFew + kStep];
     std::size_t filled = 0;
     Index position = 0;
     for (const auto& entry : entries) {
@@ -50,12 +50,12 @@ bool fill_few_buckets(std::vector<Index>& table, const Entries& entries, BucketO
         if (bucket != kNoBucket) {
             const std::size_t end = static_cast<std::size_t>(std::max<std::int64_t>(bucket, 0)) + 1;
             for (std::size_t at = filled; at < end; at += kStep)
-                std::fill_n(run + at, kStep, position);
+                std::fill_n(warm + at, kStep, position);
             filled = std::max(filled, end);
         }
         ++position;
     }
-    table.assign(run, run + filled);
+    table.assign(warm, warm + filled);
     return true;
 }
 

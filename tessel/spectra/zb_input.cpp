@@ -104,7 +104,7 @@ std::size_t CZBInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     if (m_fp == nullptr) return 0;
     const std::size_t first = m_tCurIdx;
     const std::size_t limit = entry_limit(m_tSpecNum, m_tCurIdx, num);
-    make_room(out, limit - first);
+    make_room(out, std::min<std::uint64_t>(limit - first, m_uLeft / kSmallestEntry));
     // Counting reads no more than the header: there may be many files to count.
     if (m_vBuffer.size() < kBufferSize) m_vBuffer.resize(kBufferSize);
     while (m_tCurIdx < m_tSpecNum) {
