@@ -15,25 +15,6 @@ namespace tessel::bench {
 inline constexpr std::array<double, 16> kPowers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
-/// Reads digits, a point and digits. Up to 15 digits are an integer that a double holds exactly, so
-/// that one division gives the nearest double.
-inline const char* parse_decimal(const char* text, const char* last, double& value) {
-    std::uint64_t digits = 0;
-    const char* c = text;
-    while (static_cast<unsigned char>(*c - '0') < 10)
-        digits = digits * 10 + static_cast<std::uint64_t>(*c++ - '0');
-    std::size_t decimals = 0;
-    if (*c == '.') {
-        const char* const point = c++;
-        while (static_cast<unsigned char>(*c - '0') < 10)
-            digits = digits * 10 + static_cast<std::uint64_t>(*c++ - '0');
-        decimals = static_cast<std::size_t>(c - point - 1);
-    }
-    if (c - text > 16) return std::from_chars(text, last, value).ptr;
-    value = static_cast<double>(digits) / kPowers[decimals];
-    return c;
-}
-
 inline char* put_integer(char* out, std::uint64_t value) {
     if (value < 10) {
         *out = static_cast<char>('0' + value);

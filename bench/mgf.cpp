@@ -1,16 +1,18 @@
 // MGF: everything counted and read.
 
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
-#include "bench/decimal.h"
 #include "bench/generate.h"
 #include "bench/paths.h"
 #include "bench/records.h"
+#include "tessel/base/plain_decimal.h"
 #include "tessel/tessel.h"
 
 namespace tessel::bench {
@@ -90,25 +92,40 @@ void plain(CRound& round, std::size_t count) {
 
 // ---- The least: every line end found, every number read, every record byte written ----
 
+// Sixteen characters at a time, as compilers make of it: the counts of a short block fit into
+// bytes.
+std::size_t line_ends(const char* first, const char* last) {
+    constexpr std::ptrdiff_t kShort = 240;
+    std::size_t ends = 0;
+    while (first != last) {
+        const char* const end = last - first < kShort ? last : first + kShort;
+        std::uint8_t found = 0;
+        for (; first != end; ++first)
+            found = static_cast<std::uint8_t>(found + (*first == '\n' ? 1 : 0));
+        ends += found;
+    }
+    return ends;
+}
+
 std::size_t lines_of(const std::string& path) {
     CLineBlocks blocks(path);
     const char* first;
     const char* last;
     std::size_t lines = 0;
-    while (blocks.Next(first, last)) {
-        while (first != last) {
-            const void* const end =
-                std::memchr(first, '\n', static_cast<std::size_t>(last - first));
-            first = static_cast<const char*>(end) + 1;
-            ++lines;
-        }
-    }
+    while (blocks.Next(first, last))
+        lines += line_ends(first, last);
     return lines;
 }
 
 const char* skip_line(const char* first, const char* last) {
     const void* const end = std::memchr(first, '\n', static_cast<std::size_t>(last - first));
     return static_cast<const char*>(end) + 1;
+}
+
+// The library's own reader of plain numbers: none is known to be faster.
+const char* read_number(const char* text, const char* last, double& value) {
+    const char* const end = read_plain_decimal(text, value);
+    return end != nullptr ? end : std::from_chars(text, last, value).ptr;
 }
 
 void read_and_write(const std::string& path, CFreshMemory& memory) {
@@ -120,8 +137,8 @@ void read_and_write(const std::string& path, CFreshMemory& memory) {
         while (first != last) {
             if (static_cast<unsigned char>(*first - '0') < 10) {
                 CPeak& peak = peaks.emplace_back();
-                first = parse_decimal(first, last, peak.m_lfMz) + 1;
-                first = parse_decimal(first, last, peak.m_lfIntensity) + 1;
+                first = read_number(first, last, peak.m_lfMz) + 1;
+                first = read_number(first, last, peak.m_lfIntensity) + 1;
                 continue;
             }
             if (*first == 'E') {

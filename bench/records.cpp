@@ -30,14 +30,14 @@ CFreshMemory::CFreshMemory() {
 }
 
 CLineBlocks::CLineBlocks(const std::string& path)
-    : m_pFile(open_or_throw(path, "rb")), m_vBuffer(kBlockSize) {
+    : m_pFile(open_or_throw(path, "rb")), m_vBuffer(kBlockSize + kSlack) {
     std::setvbuf(m_pFile.get(), nullptr, _IONBF, 0);
 }
 
 bool CLineBlocks::Next(const char*& first, const char*& last) {
     m_tHeld -= m_tTaken;
     std::memmove(m_vBuffer.data(), m_vBuffer.data() + m_tTaken, m_tHeld);
-    m_tHeld += std::fread(m_vBuffer.data() + m_tHeld, 1, m_vBuffer.size() - m_tHeld, m_pFile.get());
+    m_tHeld += std::fread(m_vBuffer.data() + m_tHeld, 1, kBlockSize - m_tHeld, m_pFile.get());
     first = m_vBuffer.data();
     const void* const end = memrchr(first, '\n', m_tHeld);
     if (end == nullptr) return false;

@@ -39,8 +39,10 @@ private:
 /// Blocks of whole lines, read through one buffer.
 class CLineBlocks {
 public:
+    static constexpr std::size_t kSlack = 64;
+
     explicit CLineBlocks(const std::string& path);
-    /// False at the end of the file. The block ends with a line feed.
+    /// False at the end of the file. The block ends with a line feed; kSlack more bytes are there.
     bool Next(const char*& first, const char*& last);
 
 private:

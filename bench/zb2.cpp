@@ -79,27 +79,60 @@ void plain(CRound& round, std::size_t entries) {
 
 // ---- The least: the file read, every record byte written ----
 
+constexpr std::size_t kStoredPeak = 2 * sizeof(double);
+constexpr std::size_t kStoredPrecursor = sizeof(double) + sizeof(std::int32_t);
+
+// A binary file, read through one buffer.
+class CBytes {
+public:
+    explicit CBytes(const std::string& path)
+        : m_pFile(open_or_throw(path, "rb")), m_vBuffer(kBlockSize) {
+        std::setvbuf(m_pFile.get(), nullptr, _IONBF, 0);
+    }
+
+    // The next bytes, far fewer than the buffer holds, valid until the next call.
+    const char* Take(std::size_t count) {
+        if (count > m_tHeld - m_tTaken) Refill();
+        if (count > m_tHeld - m_tTaken) std::abort();
+        m_tTaken += count;
+        return m_vBuffer.data() + m_tTaken - count;
+    }
+    std::int32_t Number() {
+        std::int32_t number;
+        std::memcpy(&number, Take(sizeof number), sizeof number);
+        return number;
+    }
+
+private:
+    void Refill() {
+        m_tHeld -= m_tTaken;
+        std::memmove(m_vBuffer.data(), m_vBuffer.data() + m_tTaken, m_tHeld);
+        m_tTaken = 0;
+        m_tHeld += std::fread(m_vBuffer.data() + m_tHeld, 1, kBlockSize - m_tHeld, m_pFile.get());
+    }
+
+    OpenFile m_pFile;
+    std::vector<char> m_vBuffer;
+    std::size_t m_tHeld = 0;   // bytes in the buffer
+    std::size_t m_tTaken = 0;  // of these, handed out
+};
+
 void limit(CRound& round, std::size_t entries) {
     const std::string path = zb2_file(entries);
     CFreshMemory memory;
     round.Run([&] {
-        const OpenFile file = open_or_throw(path, "rb");
-        std::vector<char> block(kBlockSize);
-        std::setvbuf(file.get(), block.data(), _IOFBF, block.size());
-        const auto count = get<std::uint32_t>(file.get());
-        std::vector<char> skipped(static_cast<std::size_t>(get<std::int32_t>(file.get())));
-        if (std::fread(skipped.data(), skipped.size(), 1, file.get()) != 1) std::abort();
+        CBytes bytes(path);
+        const std::int32_t count = bytes.Number();
+        bytes.Take(static_cast<std::size_t>(bytes.Number()));
         std::vector<CPeak> peaks;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            get<std::uint32_t>(file.get());
-            const auto number = static_cast<std::size_t>(get<std::int32_t>(file.get()));
-            peaks.resize(number);
-            skipped.resize(number * 2 * sizeof(double));
-            if (std::fread(skipped.data(), skipped.size(), 1, file.get()) != 1) std::abort();
-            std::memcpy(&peaks.back().m_lfMz, skipped.data() + skipped.size() - 16, sizeof(double));
-            const auto precursors = static_cast<std::size_t>(get<std::int32_t>(file.get()));
-            skipped.resize(precursors * 12);
-            if (std::fread(skipped.data(), skipped.size(), 1, file.get()) != 1) std::abort();
+        for (std::int32_t i = 0; i < count; ++i) {
+            bytes.Number();  // the scan
+            peaks.resize(static_cast<std::size_t>(bytes.Number()));
+            const char* const stored = bytes.Take(peaks.size() * kStoredPeak);
+            const char* const last = stored + (peaks.size() - 1) * kStoredPeak;
+            std::memcpy(&peaks.back().m_lfMz, last, sizeof(double));
+            const auto precursors = static_cast<std::size_t>(bytes.Number());
+            bytes.Take(precursors * kStoredPrecursor);
             for (std::size_t j = 0; j < precursors; ++j)
                 write_spectrum_bytes(memory, peaks);
         }

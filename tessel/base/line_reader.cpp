@@ -32,6 +32,22 @@ bool CLineReader::ReadSlowly(std::string_view& line) {
     return true;
 }
 
+bool CLineReader::SkipThrough(std::string_view beginning) {
+    std::string_view line;
+    do {
+        SkipLinesWithout(beginning.front());
+        if (!ReadLine(line)) return false;
+    } while (!line.starts_with(beginning));
+    return true;
+}
+
+// Of the lines that are held whole, leaves out those before the first one with the character.
+void CLineReader::SkipLinesWithout(char c) {
+    const std::string_view held = Held();
+    const std::size_t found = held.substr(0, held.find(c)).rfind('\n');
+    if (found != std::string_view::npos) m_tBegin += found + 1;
+}
+
 // Where the next line feed stands in what is held, after reading on for it; kAnyLength when a whole
 // piece without one is held, or all that is left of the file.
 std::size_t CLineReader::FindLineEnd() {
@@ -39,7 +55,7 @@ std::size_t CLineReader::FindLineEnd() {
     const std::size_t enough = m_tPiece == kAnyLength ? kAnyLength : m_tPiece + 2;
     std::size_t searched = 0;
     for (;;) {
-        const std::string_view held(m_vBuffer.data() + m_tBegin, m_tEnd - m_tBegin);
+        const std::string_view held = Held();
         const std::size_t found = held.find('\n', searched);
         if (found != std::string_view::npos) return found;
         searched = held.size();

@@ -1,12 +1,12 @@
 #include "tessel/base/number.h"
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
 
 #include "tessel/base/little_endian.h"
+#include "tessel/base/plain_decimal.h"
 
 namespace tessel {
 namespace {
@@ -52,33 +52,21 @@ std::uint64_t next_eight(const char* c, const char* last) {
     return eight;
 }
 
-// A run of digits, up to eight at a time: lengths differ from number to number, so that a loop over
-// single digits would spend most of its time on mispredicted ends.
+// A run of digits, read up to eight at a time.
 struct DIGIT_RUN {
     std::uint64_t m_uValue = 0;
     std::ptrdiff_t m_nCount = 0;
 
     const char* Read(const char* c, const char* last) {
-        for (std::ptrdiff_t count = 8; count == 8 && m_nCount <= kExactDigits; m_nCount += count) {
-            constexpr std::uint64_t kHighBits = 0x8080808080808080;
-            const std::uint64_t digits = next_eight(c, last) ^ 0x3030303030303030;  // '0'
-            // The lowest high bit belongs to the first character that is no digit.
-            const std::uint64_t others = (digits | (digits + 0x7676767676767676)) & kHighBits;
-            count = others == 0 ? 8 : std::countr_zero(others) / 8;
+        for (int count = 8; count == 8 && m_nCount <= kExactDigits; m_nCount += count) {
+            const std::uint64_t eight = next_eight(c, last);
+            count = first_marked(not_digits(eight));
             if (count == 0) break;
             m_uValue = m_uValue * static_cast<std::uint64_t>(kPowersOfTen[count]) +
-                       joined(digits << (8 * (8 - count)));
+                       static_cast<std::uint64_t>(value_of_digits(eight, count));
             c += count;
         }
         return c;
-    }
-
-private:
-    // Eight digits, the first in the low byte: by pairs, fours, all.
-    static std::uint64_t joined(std::uint64_t digits) {
-        digits = (digits & 0x0F0F0F0F0F0F0F0F) * (10 * 256 + 1) >> 8;
-        digits = (digits & 0x00FF00FF00FF00FF) * (100 * 65536 + 1) >> 16;
-        return (digits & 0x0000FFFF0000FFFF) * (10000ull * 4294967296 + 1) >> 32;
     }
 };
 

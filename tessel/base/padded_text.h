@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "tessel/base/little_endian.h"
+#include "tessel/base/plain_decimal.h"
 #include "tessel/base/text.h"
 
 namespace tessel {
@@ -32,18 +33,11 @@ struct SHORT_DIGITS {
 };
 
 inline SHORT_DIGITS read_digits(const char* text) {
-    constexpr std::uint64_t kHighBits = 0x8080808080808080;
-    std::uint64_t digits = little_endian_64(text) ^ 0x3030303030303030;  // '0'
-    // The lowest high bit belongs to the first character that is no digit.
-    const std::uint64_t others = (digits | (digits + 0x7676767676767676)) & kHighBits;
-    const auto count = static_cast<std::size_t>(std::countr_zero(others)) / 8;
+    const std::uint64_t eight = little_endian_64(text);
+    const int count = first_marked(not_digits(eight));
     if (count == 0) return {};
-    // Zeros in front instead of what follows; then joined by pairs, fours, all.
-    digits <<= 8 * (8 - count);
-    digits = (digits & 0x0F0F0F0F0F0F0F0F) * (10 * 256 + 1) >> 8;
-    digits = (digits & 0x00FF00FF00FF00FF) * (100 * 65536 + 1) >> 16;
-    digits = (digits & 0x0000FFFF0000FFFF) * (10000ull * 4294967296 + 1) >> 32;
-    return {digits, count};
+    return {static_cast<std::uint64_t>(value_of_digits(eight, count)),
+            static_cast<std::size_t>(count)};
 }
 
 /// An integer of at most eight digits. Returns its end; null when there is none, or a plus sign.

@@ -1,13 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tessel/base/message_text.h"
 #include "tessel/base/number.h"
 #include "tessel/condition/constants.h"
+#include "tessel/spectra/spectrum.h"
 
 namespace tessel {
 
@@ -16,6 +19,15 @@ namespace tessel {
 /// The entry before which a call for `num` more entries stops.
 inline std::size_t entry_limit(std::size_t total, std::size_t consumed, std::size_t num) {
     return consumed < total && num < total - consumed ? consumed + num : total;
+}
+
+/// Makes room for the spectra of so many more entries. Not for any number at once: it may be a
+/// file's claim. And at least twice the room there was, so that small batches do not move all that
+/// came before each time.
+inline void make_room(std::vector<CSpectrum>& spectra, std::size_t entries) {
+    constexpr std::size_t kMost = std::size_t{1} << 16;  // 9 MB
+    const std::size_t needed = spectra.size() + std::min(entries, kMost);
+    if (needed > spectra.capacity()) spectra.reserve(std::max(needed, 2 * spectra.capacity()));
 }
 
 /// The singly protonated mass of a precursor, Da.

@@ -7,6 +7,7 @@
 
 #include "tessel/base/line_reader.h"
 #include "tessel/base/number.h"
+#include "tessel/base/plain_decimal.h"
 #include "tessel/base/text.h"
 #include "tessel/platform/file.h"
 #include "tessel/spectra/entries.h"
@@ -19,16 +20,30 @@ constexpr std::size_t kTitleAt = 6;   // TITLE=
 constexpr std::size_t kChargeAt = 7;  // CHARGE=
 constexpr std::size_t kMzAt = 8;      // PEPMASS=
 
-bool begins_block(std::string_view line) {
-    return line.starts_with("BEGIN");
+bool skip_to_block(CLineReader& lines) {
+    return lines.SkipThrough("BEGIN");
 }
 
-bool skip_to_block(CLineReader& lines) {
-    std::string_view line;
-    while (lines.ReadLine(line)) {
-        if (begins_block(line)) return true;
+// Reads the peaks that stand ready in the reader's buffer and are written plainly: "100.25 20.5".
+// Any other line is left to be read as lines are. Without looking for line ends and asking at every
+// character whether the text goes on, a peak takes half the time.
+void read_plain_peaks(CLineReader& lines, std::vector<CPeak>& peaks) {
+    constexpr std::ptrdiff_t kReach = 2 * kPlainDecimalReach + 3;  // blank, carriage return, end
+    const std::string_view held = lines.Held();
+    const char* const last = held.data() + held.size();
+    const char* line = held.data();
+    CPeak peak;
+    while (last - line >= kReach) {
+        const char* next = read_plain_decimal(line, peak.m_lfMz);
+        if (next == nullptr || (*next != ' ' && *next != '\t')) break;
+        next = read_plain_decimal(next + 1, peak.m_lfIntensity);
+        if (next == nullptr) break;
+        if (*next == '\r') ++next;
+        if (*next != '\n') break;
+        peaks.push_back(peak);
+        line = next + 1;
     }
-    return false;
+    lines.Take(static_cast<std::size_t>(line - held.data()));
 }
 
 CPeak peak_of(std::string_view line) {
@@ -47,8 +62,9 @@ void set_title(CSpectrum& spectrum, std::string_view line) {
 // Reads the lines of a block up to its end. Charge and m/z stay as they are where the block does
 // not name them.
 void read_block(CLineReader& lines, CSpectrum& spectrum, double& mz) {
-    std::string_view line;
-    while (lines.ReadLine(line)) {
+    for (std::string_view line;;) {
+        read_plain_peaks(lines, spectrum.m_vPeaks);
+        if (!lines.ReadLine(line)) return;
         const char key = line.empty() ? '\0' : line.front();
         if (is_digit(key)) {
             spectrum.m_vPeaks.push_back(peak_of(line));
@@ -113,6 +129,7 @@ std::size_t CMGFInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     if (m_fp == nullptr) return 0;
     const std::size_t first = m_tCurIdx;
     const std::size_t limit = entry_limit(m_tSpecNum, m_tCurIdx, num);
+    make_room(out, limit - first);
     CSpectrum spectrum;  // keeps its memory from block to block; what goes out is a copy
     double mz = 0.0;
     while (m_tCurIdx < m_tSpecNum) {

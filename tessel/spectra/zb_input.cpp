@@ -2,6 +2,8 @@
 
 #include "tessel/spectra/zb_input.h"
 
+#include <algorithm>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -23,6 +25,8 @@ constexpr std::size_t kSmallestEntry = kEntryStart + kCount;
 
 constexpr std::int32_t kStemEnd = 81920;  // no stem is as long
 
+constexpr std::size_t kBufferSize = std::size_t{1} << 17;  // many usual entries
+
 std::int32_t count_at(const char* bytes) {
     return static_cast<std::int32_t>(little_endian_32(bytes));
 }
@@ -37,13 +41,16 @@ std::vector<CPeak> peaks_at(const char* bytes, std::size_t count) {
     return peaks;
 }
 
-std::string spectrum_title(const std::string& stem, std::uint32_t scan, int charge, int index) {
-    std::string title = stem + '.';
+// Replaces `title`.
+void write_title(std::string& title, const std::string& stem, std::uint32_t scan, int charge,
+                 int index) {
+    title = stem;
+    title += '.';
     append_title_number(title, scan);
     append_title_number(title, scan);
     append_title_number(title, static_cast<std::uint64_t>(charge));
     append_title_number(title, static_cast<std::uint64_t>(index));
-    return title + "dta";
+    title += "dta";
 }
 
 }  // namespace
@@ -60,6 +67,7 @@ std::size_t CZBInput::Count(const std::string& path) {
     m_strStem.clear();
     m_tSpecNum = 0;
     m_tCurIdx = 0;
+    m_tBegin = m_tEnd = 0;
     m_fp = open_file(path, "rb").release();
     if (m_fp == nullptr) {
         m_vFaults.push_back("cannot open " + path);
@@ -96,6 +104,9 @@ std::size_t CZBInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     if (m_fp == nullptr) return 0;
     const std::size_t first = m_tCurIdx;
     const std::size_t limit = entry_limit(m_tSpecNum, m_tCurIdx, num);
+    make_room(out, std::min<std::uint64_t>(limit - first, m_uLeft / kSmallestEntry));
+    // Counting reads no more than the header: there may be many files to count.
+    if (m_vBuffer.size() < kBufferSize) m_vBuffer.resize(kBufferSize);
     while (m_tCurIdx < m_tSpecNum) {
         if (!ReadEntry(out)) {
             m_vFaults.push_back(entries_missing(m_strPath, m_tSpecNum, m_tCurIdx));
@@ -126,7 +137,8 @@ bool CZBInput::ReadEntry(std::vector<CSpectrum>& out) {
     for (std::int32_t i = 0; i < precursors; ++i) {
         spectrum.m_nCharge = count_at(bytes + kMz);
         spectrum.m_lfMH = protonated_mass(little_endian_double(bytes), spectrum.m_nCharge);
-        spectrum.m_strTitle = spectrum_title(m_strStem, spectrum.m_nScanNo, spectrum.m_nCharge, i);
+        write_title(m_strTitle, m_strStem, spectrum.m_nScanNo, spectrum.m_nCharge, i);
+        spectrum.m_strTitle = m_strTitle;
         bytes += kPrecursor;
         if (i + 1 < precursors) {
             out.push_back(spectrum);
@@ -147,10 +159,21 @@ const char* CZBInput::ReadList(std::int32_t count, std::size_t width, std::size_
 const char* CZBInput::ReadBytes(std::uint64_t count) {
     if (count > m_uLeft) return nullptr;
     const auto size = static_cast<std::size_t>(count);
-    if (size > m_vBytes.size()) m_vBytes.resize(size);
-    if (std::fread(m_vBytes.data(), 1, size, m_fp) != size) return nullptr;
+    if (size > m_tEnd - m_tBegin && !Refill(size)) return nullptr;
+    const char* const bytes = m_vBuffer.data() + m_tBegin;
+    m_tBegin += size;
     m_uLeft -= count;
-    return m_vBytes.data();
+    return bytes;
+}
+
+// Moves what is held to the front of the buffer and fills it, at least up to `size` bytes.
+bool CZBInput::Refill(std::size_t size) {
+    const std::size_t held = m_tEnd - m_tBegin;
+    if (held > 0) std::memmove(m_vBuffer.data(), m_vBuffer.data() + m_tBegin, held);
+    if (size > m_vBuffer.size()) m_vBuffer.resize(size);
+    m_tBegin = 0;
+    m_tEnd = held + std::fread(m_vBuffer.data() + held, 1, m_vBuffer.size() - held, m_fp);
+    return m_tEnd >= size;
 }
 
 bool CZBInput::Close() {

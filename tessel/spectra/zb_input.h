@@ -44,10 +44,14 @@ private:
     bool ReadHeader();
     bool ReadEntry(std::vector<CSpectrum>& out);
     const char* ReadBytes(std::uint64_t count);
+    bool Refill(std::size_t size);
     const char* ReadList(std::int32_t count, std::size_t width, std::size_t behind);
 
-    std::uint64_t m_uLeft = 0;   // bytes behind the position in the file
-    std::vector<char> m_vBytes;  // read last
+    std::uint64_t m_uLeft = 0;  // bytes of the file that are not yet handed out
+    std::vector<char> m_vBuffer;
+    std::size_t m_tBegin = 0;  // of these, read from the file: [m_tBegin, m_tEnd)
+    std::size_t m_tEnd = 0;
+    std::string m_strTitle;  // keeps its memory from spectrum to spectrum
     std::vector<std::string> m_vFaults;
 };
 

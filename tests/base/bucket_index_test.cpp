@@ -112,6 +112,37 @@ TEST(bucket_index, first_entry_with_a_bucket_opens_the_table) {
     EXPECT_EQ(table, (Table{1, 1, 3}));
 }
 
+// As it is described: bucket by bucket.
+Table naive_table(const std::vector<std::int64_t>& buckets) {
+    Table table;
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+        if (buckets[i] == kNoBucket) continue;
+        const auto end = static_cast<std::size_t>(std::max<std::int64_t>(buckets[i], 0)) + 1;
+        while (table.size() < end)
+            table.push_back(static_cast<std::uint32_t>(i));
+    }
+    return table;
+}
+
+TEST(bucket_index, short_and_long_tables_are_filled_alike) {
+    std::mt19937 random(5);
+    const auto itself = [](std::int64_t bucket) { return bucket; };
+    for (const std::int64_t last : {0, 1, 31, 32, 33, 4063, 4064, 4094, 4095, 4096, 4097, 9000}) {
+        for (int round = 0; round < 20; ++round) {
+            std::vector<std::int64_t> buckets(random() % 200);
+            for (std::int64_t& bucket : buckets)
+                bucket = static_cast<std::int64_t>(random() % 10000) * last / 9999;
+            std::sort(buckets.begin(), buckets.end());
+            for (std::size_t i = random() % 50; i < buckets.size(); i += 1 + random() % 50)
+                buckets[i] = round % 3 == 0 ? kNoBucket : -1 - static_cast<std::int64_t>(i);
+            buckets.push_back(last);
+            Table table{7, 7};
+            ASSERT_TRUE(fill_buckets(table, buckets, itself));
+            ASSERT_EQ(table, naive_table(buckets)) << last;
+        }
+    }
+}
+
 TEST(bucket_index, order_of_masses_is_defined_for_every_double) {
     std::vector<double> masses{kNaN, kInfinity, 1.0, -kInfinity, -5.0};
     std::stable_sort(masses.begin(), masses.end(), mass_less);

@@ -131,6 +131,55 @@ TEST(line_reader, random_texts_are_cut_as_by_a_plain_buffer) {
     }
 }
 
+// Which lines are left behind each one that begins so.
+template <class Skip>
+Lines lines_behind(const std::string& path, std::size_t piece, Skip skip) {
+    CLineReader reader(path, piece);
+    Lines lines;
+    while (skip(reader)) {
+        std::string_view line;
+        lines.emplace_back(reader.ReadLine(line) ? line : "no more");
+    }
+    return lines;
+}
+
+bool skip_line_by_line(CLineReader& reader) {
+    for (std::string_view line; reader.ReadLine(line);) {
+        if (line.starts_with("BE")) return true;
+    }
+    return false;
+}
+
+TEST(line_reader, lines_are_skipped_as_if_each_were_read) {
+    const test::CTempFolder folder;
+    std::mt19937 random(4);
+    for (int round = 0; round < 2000; ++round) {
+        std::string bytes = round % 5 == 0 ? "\xEF\xBB\xBF" : "";
+        if (round % 100 == 0) bytes += std::string(131072 - random() % 40, "x\nB"[random() % 3]);
+        for (std::size_t left = random() % 80; left > 0; --left)
+            bytes += "BBEEx\n\n\r"[random() % 8];
+        const std::string path = folder.Write("text", bytes);
+        const std::size_t piece = round % 2 == 0 ? kLinePiece : 2 + random() % 9;
+        const auto skip = [](CLineReader& reader) { return reader.SkipThrough("BE"); };
+        ASSERT_EQ(lines_behind(path, piece, skip), lines_behind(path, piece, skip_line_by_line))
+            << bytes;
+    }
+}
+
+TEST(line_reader, lines_may_be_taken_off_the_buffer) {
+    const test::CTempFolder folder;
+    CLineReader reader(folder.Write("text",
+                                    "\xEF\xBB\xBF"
+                                    "a\nbc\nd\ne"));
+    EXPECT_EQ(reader.Held(), "");
+    std::string_view line;
+    ASSERT_TRUE(reader.ReadLine(line));
+    EXPECT_EQ(reader.Held(), "bc\nd\ne");
+    reader.Take(3);
+    ASSERT_TRUE(reader.ReadLine(line));
+    EXPECT_EQ(line, "d");
+}
+
 TEST(line_reader, lines_across_the_end_of_the_buffer_stay_whole) {
     std::mt19937 random(2);
     Lines expected;

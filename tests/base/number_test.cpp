@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tessel/base/message_text.h"
+#include "tessel/base/plain_decimal.h"
 #include "tessel/base/word_reader.h"
 
 namespace tessel {
@@ -208,6 +209,62 @@ TEST(number, decimals_of_every_length_read_as_strtod_reads_them) {
         }
         if (round % 7 == 0) text += "e-3";
         ASSERT_EQ(to_double(text), std::strtod(text.c_str(), nullptr)) << text;
+    }
+}
+
+// The text of the number that is read from the front of 16 characters, "-" for none.
+std::string plain_part(std::string text) {
+    text.resize(kPlainDecimalReach, ' ');
+    double value = 0.0;
+    const char* const end = read_plain_decimal(text.data(), value);
+    if (end == nullptr) return "-";
+    return text.substr(0, static_cast<std::size_t>(end - text.data()));
+}
+
+TEST(number, plain_decimals_have_seven_digits_and_eight_decimals) {
+    struct {
+        const char* text;
+        const char* read;
+    } rows[] = {
+        {"1 ", "1"},
+        {"1234567 ", "1234567"},
+        {"12345678 ", "-"},
+        {"1234567.12345678", "1234567.12345678"},
+        {"123456.123456789", "-"},
+        {"0.12345678", "0.12345678"},
+        {"0.123456789", "-"},
+        {"100.25\n", "100.25"},
+        {"100.25e3", "100.25"},
+        {"100.25.5", "100.25"},
+        {"12,5", "12"},
+        {"12\xB0.5", "12"},
+        {"12.5\x8A", "12.5"},
+        {"1.", "-"},
+        {".5", "-"},
+        {"-1", "-"},
+        {" 1", "-"},
+        {"", "-"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(plain_part(row.text), row.read) << row.text;
+}
+
+TEST(number, plain_decimals_read_as_strtod_reads_them) {
+    std::mt19937 random(9);
+    const auto append_digits = [&random](std::string& text, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            text += static_cast<char>('0' + random() % 10);
+    };
+    for (int round = 0; round < 200000; ++round) {
+        std::string text;
+        append_digits(text, 1 + random() % 7);
+        if (random() % 8 != 0) append_digits(text += '.', 1 + random() % 8);
+        const double expected = std::strtod(text.c_str(), nullptr);
+        const std::size_t length = text.size();
+        text.resize(kPlainDecimalReach, " \t\r\n"[random() % 4]);
+        double value = 0.0;
+        ASSERT_EQ(read_plain_decimal(text.data(), value), text.data() + length) << text;
+        ASSERT_EQ(value, expected) << text;
     }
 }
 

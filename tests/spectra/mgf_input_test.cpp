@@ -272,6 +272,35 @@ TEST(mgf_input, peak_is_one_or_two_numbers) {
     EXPECT_TRUE(std::isnan(unknown.m_vPeaks[0].m_lfIntensity));
 }
 
+// Usual lines and others mixed, wherever what has been read of the file ends.
+TEST(mgf_input, peaks_are_the_same_wherever_the_buffer_ends) {
+    constexpr std::size_t kBuffer = 131072;
+    const std::string lines =
+        "100.25 20.5\n100.50000\t7\r\n101 1e3\n102.5  3 1+\n103.1234567 1234567.5\r\n"
+        "104\n105.5 12345678901.25\n106.125 -8\n1234567.12345678 7654321.87654321\n";
+    const std::vector<std::pair<double, double>> expected{{100.25, 20.5},
+                                                          {100.5, 7},
+                                                          {101, 1000},
+                                                          {102.5, 3},
+                                                          {103.1234567, 1234567.5},
+                                                          {104, 0},
+                                                          {105.5, 12345678901.25},
+                                                          {106.125, -8},
+                                                          {1234567.12345678, 7654321.87654321}};
+    for (std::size_t cut = 0; cut <= lines.size() + 12; ++cut) {
+        std::string bytes;
+        while (bytes.size() + 1000 < kBuffer - cut)
+            bytes += std::string(499, '#') + '\n';
+        bytes += std::string(kBuffer - cut - bytes.size() - 1, '#') + "\nBEGIN IONS\n";
+        const std::vector<CSpectrum> spectra = spectra_of(bytes + lines + "END IONS\n");
+        ASSERT_EQ(spectra.size(), 1u);
+        std::vector<std::pair<double, double>> peaks;
+        for (const CPeak& peak : spectra[0].m_vPeaks)
+            peaks.emplace_back(peak.m_lfMz, peak.m_lfIntensity);
+        ASSERT_EQ(peaks, expected) << cut;
+    }
+}
+
 TEST(mgf_input, peaks_keep_their_order_and_the_index_covers_what_it_can) {
     const CSpectrum spectrum = spectrum_of("3 1\n1 2\n1e300 3\n4 4\n100001 5\n");
     std::vector<double> mzs;
@@ -390,6 +419,19 @@ TEST(mgf_input, batches_follow_one_another) {
         EXPECT_EQ(spectra[i].m_vPeaks[0].m_lfIntensity, static_cast<double>(i));
     }
     EXPECT_EQ(mgf.m_cReader.TakeFaults(), Texts());
+}
+
+TEST(mgf_input, small_batches_do_not_move_all_before_each_time) {
+    CMgf mgf(blocks(1000));
+    std::vector<CSpectrum> spectra;
+    int moves = 0;
+    for (const CSpectrum* place = nullptr; mgf.m_cReader.Browse(spectra, 1) != 0;) {
+        if (spectra.data() != place) ++moves;
+        place = spectra.data();
+    }
+    EXPECT_EQ(spectra.size(), 1000u);
+    EXPECT_LE(moves, 11);
+    EXPECT_EQ(CMgf(blocks(1000)).Read().capacity(), 1000u);
 }
 
 TEST(mgf_input, sum_of_position_and_number_saturates) {

@@ -369,6 +369,29 @@ TEST(zb_input, file_cut_off_after_counting_ends_early) {
     EXPECT_EQ(zb2.m_cReader.TakeFaults(), Texts{zb2.EndsAt(999)});
 }
 
+TEST(zb_input, claim_of_entries_makes_no_more_room_than_the_file_could_fill) {
+    CZb2 zb2(zb2_header(4000000000u, "run") + std::string(1200, '\0'));
+    std::vector<CSpectrum> spectra;
+    zb2.m_cReader.Browse(spectra, kAllEntries);
+    EXPECT_LE(spectra.capacity(), 100u);
+}
+
+TEST(zb_input, entry_longer_than_the_buffer_is_read_between_others) {
+    std::vector<ZB2_SCAN> scans = plain_scans(2000);
+    for (int i = 0; i < 20000; ++i)
+        scans[999].m_vPeaks.emplace_back(100.0 + i / 64.0, i);
+    const std::vector<CSpectrum> spectra = CZb2(zb2_file("run", scans)).Read();
+    ASSERT_EQ(spectra.size(), scans.size());
+    for (std::size_t i = 0; i < scans.size(); ++i) {
+        EXPECT_EQ(spectra[i].m_nScanNo, scans[i].m_uScan);
+        ASSERT_EQ(spectra[i].m_vPeaks.size(), scans[i].m_vPeaks.size());
+        for (std::size_t k = 0; k < scans[i].m_vPeaks.size(); ++k) {
+            ASSERT_EQ(spectra[i].m_vPeaks[k].m_lfMz, scans[i].m_vPeaks[k].first);
+            ASSERT_EQ(spectra[i].m_vPeaks[k].m_lfIntensity, scans[i].m_vPeaks[k].second);
+        }
+    }
+}
+
 TEST(zb_input, any_bytes_are_read_to_an_end) {
     std::mt19937 random(20240502);
     for (int round = 0; round < 2000; ++round) {
