@@ -1,5 +1,5 @@
-// The main function of all test programs. The library must not care what locale its host has set,
-// so every test runs in one that writes numbers as differently as possible.
+// Every test program runs in a process with German numbers: the library must not care what locale
+// its host has set.
 
 #include <gtest/gtest.h>
 
@@ -15,10 +15,8 @@ class CGermanEnvironment : public testing::Environment {
     }
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
+// Before main(), whichever that is.
+[[maybe_unused]] const testing::Environment* const g_environment =
     testing::AddGlobalTestEnvironment(new CGermanEnvironment);
-    return RUN_ALL_TESTS();
-}
+
+}  // namespace
