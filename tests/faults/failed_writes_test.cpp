@@ -1,7 +1,10 @@
 // Every file that the library writes, while the disk fills up in its middle: nobody may take a part
 // for the whole, and what was there for good stays.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -148,6 +151,38 @@ TEST_P(failed_writes, database_of_an_earlier_run_stays) {
         expect_failure(files, database,
                        run_with(database, {database.m_strPath, position, false, false, ENOSPC}),
                        before);
+    }
+}
+
+// Reads a pipe to its end, a little at a time.
+std::string drained(const std::string& path) {
+    const int pipe = open(path.c_str(), O_RDONLY);
+    std::string bytes;
+    char buffer[3000];
+    for (ssize_t count; (count = read(pipe, buffer, sizeof buffer)) > 0;)
+        bytes.append(buffer, static_cast<std::size_t>(count));
+    close(pipe);
+    return bytes;
+}
+
+// Signals cut the calls that write to a slow pipe short, after some of their bytes or all of them.
+TEST(short_writes, calls_that_write_a_part_are_continued) {
+    const CWrittenFiles files(true);
+    const auto whole = whole_files(files);
+    for (const WRITTEN_FILE& file : files.All()) {
+        if (file.m_strName == "database") continue;  // which is renamed
+        SCOPED_TRACE(file.m_strName);
+        ASSERT_EQ(mkfifo(file.m_strPath.c_str(), 0600), 0);
+        test::CChild child([&] {
+            test::signal_often();
+            return test::run_writer(file);
+        });
+        const bool equal = drained(file.m_strPath) == whole.at(file.m_strName);
+        const CHILD_END end = child.Wait();
+        EXPECT_EQ(end.m_nExit, 0);
+        EXPECT_EQ(end.m_strOutput, "");
+        EXPECT_TRUE(equal);
+        fs::remove(file.m_strPath);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <grp.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,6 +85,15 @@ void limit_file_size(std::size_t bytes) {
     rlimit limit;
     limit.rlim_cur = limit.rlim_max = static_cast<rlim_t>(bytes);
     require(setrlimit(RLIMIT_FSIZE, &limit) == 0, "no limit of the file size");
+}
+
+void signal_often() {
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval timer = {{0, 500}, {0, 500}};
+    require(setitimer(ITIMER_REAL, &timer, nullptr) == 0, "no timer");
 }
 
 void become_unprivileged() {

@@ -38,6 +38,8 @@ CHILD_END run_in_child(const std::function<int()>& action);
 
 /// Writing beyond so many bytes of any file fails.
 void limit_file_size(std::size_t bytes);
+/// Sends the process a signal every half millisecond, after which system calls are started anew.
+void signal_often();
 /// Gives up the rights of root, for whom file permissions do not count.
 void become_unprivileged();
 
