@@ -259,7 +259,7 @@ TEST(number, plain_decimals_read_as_strtod_reads_them) {
         std::string text;
         append_digits(text, 1 + random() % 7);
         if (random() % 8 != 0) append_digits(text += '.', 1 + random() % 8);
-        const double expected = std::strtod(text.c_str(), nullptr);
+        const double expected = test::parsed_double(text.c_str());
         const std::size_t length = text.size();
         text.resize(kPlainDecimalReach, " \t\r\n"[random() % 4]);
         double value = 0.0;
