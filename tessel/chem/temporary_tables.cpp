@@ -23,10 +23,13 @@ std::string first_line(const std::vector<std::string>& labels, std::size_t label
 
 void save(const CCondition& condition, const std::string& path, const std::string& text) {
     FilePtr file = open_file(path, "wb");
-    const bool written =
-        file != nullptr && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    const bool closed = file != nullptr && close_file(std::move(file));
-    if (!written || !closed) condition.Message("Cannot write the file: " + path, LOG_ALERT);
+    bool written = false;
+    if (file) {
+        std::fwrite(text.data(), 1, text.size(), file.get());
+        written = close_file(std::move(file));
+        if (!written) remove_incomplete(path);
+    }
+    if (!written) condition.Message("Cannot write the file: " + path, LOG_ALERT);
 }
 
 }  // namespace

@@ -240,7 +240,8 @@ public:
 
     /// Writes the tables of every label for the worker processes; returns the number of labels.
     /// Needs ParseQuantMethod(). Afterwards m_cAlphaBet and m_vMods are those of the last label,
-    /// and no selection holds before ReLoadAllMods(). A table that cannot be written is an alert.
+    /// and no selection holds before ReLoadAllMods(). A table that cannot be written completely is
+    /// an alert and is removed.
     std::size_t WriteConfFiles();
     /// Makes m_vMods of the modification files that WriteConfFiles() has written, of equal names
     /// the first, and runs CreateModList(). m_strModPath is left at the last of the files. A
@@ -252,8 +253,8 @@ public:
     /// Modification table of a label: likewise with ".mod".
     std::string GetTmpModPath(const std::size_t& labelIndex) const;
     /// Writes m_cAlphaBet, all 26 letters, as amino-acid table of a label. Letters that were never
-    /// defined have no composition. A file that cannot be written is an alert. The label's name is
-    /// empty for an index beyond m_vLabels.
+    /// defined have no composition. A file that cannot be written completely is an alert and is
+    /// removed. The label's name is empty for an index beyond m_vLabels.
     void WriteAA(const std::size_t& labelIndex) const;
     /// Writes m_vMods as modification table of a label, likewise. m_nFlag survives from 0 to 99.
     void WriteMod(const std::size_t& labelIndex) const;
@@ -369,7 +370,7 @@ public:
     /// Inputs are removed, if asked for, only after the output was closed without an error. An
     /// input that does not exist is skipped with a warning. After a failed write, for an input that
     /// cannot be read, and when the output is one of the inputs (then nothing is touched), an alert
-    /// names the file, true is returned and every input stays; the output then holds a part only.
+    /// names the file, true is returned and every input stays; the incomplete output is removed.
     /// An output that cannot be opened ends the process with status 1.
     bool MergeFiles(const std::vector<std::string>& inputs, const std::string& output,
                     bool removeInputs) const;
@@ -380,7 +381,8 @@ public:
     // ---- Writing results: result/write_results.cpp ----
 
     /// Writes m_mapPSMRes as a result file; the second argument is ignored. A file that cannot be
-    /// opened ends the process with status 1, one that cannot be written completely is an alert.
+    /// opened ends the process with status 1; one that cannot be written completely is an alert and
+    /// is removed.
     void WriteFinalResult(const std::string& path, const double& unused) const;
     /// Writes m_mapPSMRes into an open file, the candidates of the first m_tPepNum ranks of each
     /// spectrum, spectra in byte order of their titles. Equal scores (to four decimals, rounded)

@@ -150,7 +150,8 @@ void remove_leftovers(const std::string& target) {
 bool is_unchanged(const std::optional<FILE_STATUS>& before, const std::string& source) {
     const auto after = file_status(source);
     return before && after && before->m_uSize == after->m_uSize &&
-           before->m_nTime == after->m_nTime;
+           before->m_nTime == after->m_nTime && before->m_nNanoseconds == after->m_nNanoseconds &&
+           before->m_uIdentity == after->m_uIdentity;
 }
 
 // Writes the batch that the loader holds and all later ones, each protein followed by its decoy.

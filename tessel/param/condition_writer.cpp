@@ -130,6 +130,7 @@ void CConditionWriter::Write() const {
     write_version(text);
     std::fwrite(text.data(), 1, text.size(), file.get());
     if (!close_file(std::move(file))) {
+        remove_incomplete(m_strPath);
         m_pCondition->Message("Write_Failed: [" + m_strPath + "]", LOG_ALERT);
     }
 }

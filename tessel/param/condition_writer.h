@@ -18,7 +18,7 @@ public:
     virtual ~CConditionWriter() = default;
 
     /// Replaces the file. One that cannot be opened is left alone, without a message; one that
-    /// cannot be written completely is an alert.
+    /// cannot be written completely is an alert and is removed.
     /// The last line tells when "Corvid.exe" in the working folder was modified, in local time:
     /// year, month, day, hour, minute and second, "." between. Without that program it is time
     /// zero, the start of 1970 in UTC, in local time as well.

@@ -5,7 +5,8 @@
 namespace tessel {
 
 CALENDAR_TIME local_time(std::int64_t seconds) {
-    tzset();  // localtime_r() need not look at the time zone itself
+    // The process's time zone as it was first used or last set: tzset() would write to what all
+    // threads share.
     const time_t time = static_cast<time_t>(seconds);
     struct tm parts;
     if (localtime_r(&time, &parts) == nullptr) return {};

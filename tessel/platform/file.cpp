@@ -10,4 +10,9 @@ bool close_file(FilePtr file) {
     return std::fclose(stream) == 0 && written;
 }
 
+void remove_incomplete(const std::string& path) {
+    const auto status = file_status(path);
+    if (status && status->m_bRegular) remove_file(path);
+}
+
 }  // namespace tessel

@@ -20,8 +20,11 @@ using FilePtr = std::unique_ptr<std::FILE, CLOSE_FILE>;
 
 struct FILE_STATUS {
     bool m_bFolder = false;
-    std::uint64_t m_uSize = 0;  ///< bytes
-    std::int64_t m_nTime = 0;   ///< last modification, seconds since 1970
+    bool m_bRegular = false;          ///< neither a folder nor a device or pipe
+    std::uint64_t m_uSize = 0;        ///< bytes
+    std::int64_t m_nTime = 0;         ///< last modification, seconds since 1970
+    std::int64_t m_nNanoseconds = 0;  ///< of that time, as far as the file system keeps them
+    std::uint64_t m_uIdentity = 0;  ///< another one for a file that has taken the name; 0: unknown
 };
 
 /// The one place where path texts, which use backslashes, take the host's form. Every function
@@ -44,6 +47,9 @@ bool close_file(FilePtr file);
 std::uint64_t bytes_left(std::FILE* file);
 
 bool remove_file(const std::string& path);
+/// Removes a file that was not written to its end and is closed, so that nobody takes it for a
+/// whole one. A device or pipe stays.
+void remove_incomplete(const std::string& path);
 /// Replaces an existing target in one step.
 bool rename_file(const std::string& from, const std::string& to);
 /// The names in a folder in byte order, without "." and ".."; nothing when it cannot be listed.

@@ -23,8 +23,12 @@ bool path_exists(const std::string& path) {
 std::optional<FILE_STATUS> file_status(const std::string& path) {
     struct stat status;
     if (stat(host_path(path).c_str(), &status) != 0) return std::nullopt;
-    return FILE_STATUS{S_ISDIR(status.st_mode), static_cast<std::uint64_t>(status.st_size),
-                       static_cast<std::int64_t>(status.st_mtime)};
+    return FILE_STATUS{S_ISDIR(status.st_mode),
+                       S_ISREG(status.st_mode),
+                       static_cast<std::uint64_t>(status.st_size),
+                       static_cast<std::int64_t>(status.st_mtim.tv_sec),
+                       static_cast<std::int64_t>(status.st_mtim.tv_nsec),
+                       static_cast<std::uint64_t>(status.st_ino)};
 }
 
 bool same_file(const std::string& a, const std::string& b) {

@@ -44,12 +44,13 @@ std::string without_last_separator(std::string path) {
     return path;
 }
 
-std::int64_t unix_seconds(const FILETIME& time) {
-    constexpr std::int64_t kTicksPerSecond = 10'000'000;
-    constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
-    const std::int64_t ticks = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) |
-                               static_cast<std::int64_t>(time.dwLowDateTime);
-    return ticks / kTicksPerSecond - kSecondsFrom1601To1970;
+constexpr std::int64_t kTicksPerSecond = 10'000'000;
+constexpr std::int64_t kNanosecondsPerTick = 100;
+constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+
+std::int64_t ticks_of(const FILETIME& time) {
+    return (static_cast<std::int64_t>(time.dwHighDateTime) << 32) |
+           static_cast<std::int64_t>(time.dwLowDateTime);
 }
 
 std::optional<BY_HANDLE_FILE_INFORMATION> file_identity(const std::string& path) {
@@ -103,7 +104,10 @@ std::optional<FILE_STATUS> file_status(const std::string& path) {
     FILE_STATUS status;
     status.m_bFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     status.m_uSize = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
-    status.m_nTime = unix_seconds(data.ftLastWriteTime);
+    status.m_bRegular = !status.m_bFolder;  // devices have no attributes
+    const std::int64_t ticks = ticks_of(data.ftLastWriteTime);
+    status.m_nTime = ticks / kTicksPerSecond - kSecondsFrom1601To1970;
+    status.m_nNanoseconds = ticks % kTicksPerSecond * kNanosecondsPerTick;
     return status;
 }
 

@@ -121,6 +121,12 @@ bool CCondition::MergeFiles(const std::vector<std::string>& inputs, const std::s
         end_process(1);
     }
 
+    const auto fail = [&](const std::string& message) {
+        merged.reset();
+        remove_incomplete(output);
+        Message(message, LOG_ALERT);
+        return true;
+    };
     std::vector<char> block(std::size_t{1} << 20);
     std::vector<std::string> copied;
     for (const std::string& input : inputs) {
@@ -131,17 +137,12 @@ bool CCondition::MergeFiles(const std::vector<std::string>& inputs, const std::s
         }
         const COPY_RESULT result = append_file(input, merged.get(), block);
         if (result == COPY_RESULT::UNREADABLE) {
-            Message("Cannot read the result file: " + input, LOG_ALERT);
-        } else if (result == COPY_RESULT::UNWRITABLE) {
-            Message(writeFailure, LOG_ALERT);
+            return fail("Cannot read the result file: " + input);
         }
-        if (result != COPY_RESULT::DONE) return true;
+        if (result == COPY_RESULT::UNWRITABLE) return fail(writeFailure);
         copied.push_back(input);
     }
-    if (!close_file(std::move(merged))) {
-        Message(writeFailure, LOG_ALERT);
-        return true;
-    }
+    if (!close_file(std::move(merged))) return fail(writeFailure);
     if (removeInputs) remove_files(*this, copied);
     return false;
 }

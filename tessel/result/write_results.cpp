@@ -150,6 +150,7 @@ void CCondition::WriteFinalResult(const std::string& path, const double&) const 
     Message("Write result files...\n", LOG_DEBUG);
     OutputRes(file.get());
     if (!close_file(std::move(file))) {
+        remove_incomplete(path);
         Message("Failed to write the result file: " + path, LOG_ALERT);
     }
 }

@@ -11,6 +11,7 @@
 #include "tessel/base/message_text.h"
 #include "tessel/base/plain_decimal.h"
 #include "tessel/base/word_reader.h"
+#include "tests/support/classic.h"
 
 namespace tessel {
 namespace {
@@ -125,7 +126,7 @@ TEST(number, random_texts_read_as_strtod_and_strtol_read_them) {
             c = letters[std::uniform_int_distribution<std::size_t>(0, letters.size() - 1)(random)];
         }
         char* end = nullptr;
-        const double expected = std::strtod(text.c_str(), &end);
+        const double expected = test::parsed_double(text.c_str(), &end);
         double value = -77.0;
         const char* read = read_double(text.data(), text.data() + text.size(), value);
         if (end == text.c_str()) {
@@ -148,8 +149,7 @@ TEST(number, doubles_are_written_as_printf_writes_them) {
     std::uniform_int_distribution<int> exponent(-12, 12);
     for (int round = 0; round < 100000; ++round) {
         const double value = mantissa(random) * std::pow(10.0, exponent(random));
-        char expected[400];
-        std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.6g", value, value, value);
+        const std::string expected = test::printed("%.6lf %.2lf %.6g", value, value, value);
         std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ';
         append_general(text, value);
         ASSERT_EQ(text, expected);
@@ -183,9 +183,9 @@ TEST(number, rounding_is_that_of_printf_at_every_border) {
         for (const double size :
              {middle, std::nextafter(middle, 0.0), std::nextafter(middle, 1e308)}) {
             for (const double value : {size, -size}) {
-                char expected[2000];
-                std::snprintf(expected, sizeof expected, "%.6lf %.2lf %.0lf %.9lf %.15lf %.6g",
-                              value, value, value, value, value, value);
+                const std::string expected =
+                    test::printed("%.6lf %.2lf %.0lf %.9lf %.15lf %.6g", value, value, value, value,
+                                  value, value);
                 std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ' +
                                    fixed_text(value, 0) + ' ' + fixed_text(value, 9) + ' ' +
                                    fixed_text(value, 15) + ' ';
@@ -208,7 +208,7 @@ TEST(number, decimals_of_every_length_read_as_strtod_reads_them) {
             text += static_cast<char>('0' + std::uniform_int_distribution<int>(0, 9)(random));
         }
         if (round % 7 == 0) text += "e-3";
-        ASSERT_EQ(to_double(text), std::strtod(text.c_str(), nullptr)) << text;
+        ASSERT_EQ(to_double(text), test::parsed_double(text.c_str())) << text;
     }
 }
 
@@ -259,7 +259,7 @@ TEST(number, plain_decimals_read_as_strtod_reads_them) {
         std::string text;
         append_digits(text, 1 + random() % 7);
         if (random() % 8 != 0) append_digits(text += '.', 1 + random() % 8);
-        const double expected = std::strtod(text.c_str(), nullptr);
+        const double expected = test::parsed_double(text.c_str());
         const std::size_t length = text.size();
         text.resize(kPlainDecimalReach, " \t\r\n"[random() % 4]);
         double value = 0.0;

@@ -2,6 +2,7 @@
 
 #include "tests/chem/chemistry.h"
 #include "tests/support/captured.h"
+#include "tests/support/classic.h"
 
 namespace tessel {
 namespace {
@@ -291,7 +292,7 @@ std::vector<CMod> labelled(const std::string& mods, const std::string& definitio
 Names told(const std::vector<CMod>& mods) {
     Names lines;
     for (const CMod& mod : mods) {
-        lines.push_back(mod.m_strName + ' ' + std::to_string(mod.m_lfMass) + ' ' +
+        lines.push_back(mod.m_strName + ' ' + test::printed("%f", mod.m_lfMass) + ' ' +
                         mod.m_strComposition);
     }
     return lines;

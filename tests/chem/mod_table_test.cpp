@@ -7,6 +7,7 @@
 
 #include "tests/chem/chemistry.h"
 #include "tests/support/captured.h"
+#include "tests/support/classic.h"
 
 namespace tessel {
 namespace {
@@ -24,7 +25,7 @@ std::vector<CMod> mods(const std::string& text) {
 
 // Everything that a definition says, in a form that a failure prints.
 std::string told(const CMod& mod) {
-    std::ostringstream text;
+    test::CClassicOut text;
     text << mod.m_strName << ' ' << mod.m_strSites << ' ' << mod.m_eType << ' ' << mod.m_lfMass;
     for (const double loss : mod.m_vLossMass)
         text << " -" << loss;

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "tests/examples/search_run.h"
+#include "tests/support/classic.h"
 
 using namespace tessel::test;
 
@@ -271,7 +272,7 @@ TEST(closed_search, precursor_tolerance_is_obeyed) {
     // 30 ppm of 1082.53 Da.
     run.m_cFolder.Write("spectra.mgf", [] {
         std::string text = perfect_spectrum("a.1.1.2.0.dta", "WLTSEYQR");
-        std::ostringstream moved;
+        CClassicOut moved;
         moved.precision(9);
         moved << "PEPMASS=" << (peptide_mass("WLTSEYQR") + 0.0325 + 1.00727647) / 2.0;
         const std::size_t begin = text.find("PEPMASS=");
@@ -318,7 +319,7 @@ TEST(closed_search, large_fragments_of_highly_charged_precursors_have_several_ch
     run.m_cFolder.Write("db.fasta", database(kProtein));
     run.m_mapSettings["msmstol"] = "0.001";
     for (const int charge : {2, 3}) {
-        std::ostringstream spectrum;
+        CClassicOut spectrum;
         spectrum.precision(9);
         spectrum << "BEGIN IONS\nTITLE=a.1.1.0.0.dta\nCHARGE=" << charge
                  << "+\nPEPMASS=" << (peptide_mass(peptide) + (charge - 1) * proton) / charge
@@ -725,7 +726,7 @@ TEST(closed_search, ecoli_spectra_are_identified) {
     EXPECT_GE(targets, 115);
     EXPECT_GE(accepted, 75);
     const std::vector<std::string> lines = ended.Lines();
-    std::istringstream table(lines.at(lines.size() - 2));
+    CClassicIn table(lines.at(lines.size() - 2));
     int spectra = 0;
     int scored = 0;
     int reported = 0;

@@ -1,6 +1,7 @@
 // Runs a program as a user would, in a folder of its own, and reads what it wrote.
 
 #include "tests/examples/search_run.h"
+#include "tests/support/classic.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -38,7 +39,7 @@ std::vector<double> residue_masses(std::string_view sequence, const Shifts& shif
 }
 
 RESULT_ROW read_row(const std::string& line) {
-    std::istringstream fields(line);
+    CClassicIn fields(line);
     RESULT_ROW row;
     int sites = 0;
     fields >> row.m_nRank >> row.m_strSequence >> row.m_lfMass >> row.m_lfScore >>
@@ -110,7 +111,7 @@ std::string perfect_spectrum(const std::string& title, std::string_view sequence
     // The whole peptide and its empty remainder are no fragments.
     peaks.erase(begin + kProton);
     peaks.erase(mass - begin);
-    std::ostringstream block;
+    CClassicOut block;
     block.precision(9);
     block << "BEGIN IONS\nTITLE=" << title << "\nCHARGE=2+\nPEPMASS=" << (mass + kProton) / 2.0
           << '\n';

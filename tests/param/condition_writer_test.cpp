@@ -28,6 +28,7 @@ public:
     explicit CTimeZone(const char* zone) {
         if (const char* before = std::getenv("TZ")) m_strBefore = before;
         setenv("TZ", zone, 1);
+        tzset();
     }
     ~CTimeZone() {
         if (m_strBefore.empty()) {

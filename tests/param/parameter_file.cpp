@@ -1,4 +1,5 @@
 #include "tests/param/parameter_file.h"
+#include "tests/support/classic.h"
 
 #include <sstream>
 
@@ -7,7 +8,7 @@ namespace {
 
 template <class Value>
 std::string shown(const Value& value) {
-    std::ostringstream text;
+    CClassicOut text;
     text.precision(17);
     text << value;
     return text.str();

@@ -15,6 +15,7 @@
 #include "tessel/result/result_text.h"
 #include "tests/result/result_records.h"
 #include "tests/support/captured.h"
+#include "tests/support/classic.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -574,7 +575,7 @@ TEST_F(read_results, random_bytes_never_end_reading_early_or_crash) {
 std::map<std::string, CPSMRes> twin_load(const std::string& text,
                                          std::map<std::string, CMod*>& mods, std::size_t maxPeps,
                                          double maxFinalScore) {
-    std::istringstream in(text);
+    test::CClassicIn in(text);
     std::map<std::string, CPSMRes> results;
     CPSMRes current;
     std::string token;

@@ -9,6 +9,7 @@
 
 #include "tessel/chem/mod.h"
 #include "tessel/result/psm_res.h"
+#include "tests/support/classic.h"
 
 namespace tessel::test {
 
@@ -21,7 +22,7 @@ inline void set_sites(CPepRes& pep, const std::vector<MOD_SITE>& sites) {
 
 /// Every field of a candidate as text, doubles exactly.
 inline std::string described(const CPepRes& pep) {
-    std::ostringstream text;
+    CClassicOut text;
     text << std::hexfloat << pep.m_strSeq << " scores " << pep.m_lfScore << ' '
          << pep.m_lfFinalScore << ' ' << pep.m_lfQValue;
     for (const double score : pep.m_lfSubScores)
@@ -50,7 +51,7 @@ inline std::string described(const CPepRes& pep) {
 
 /// A whole result map as text, one line for each spectrum and each candidate.
 inline std::string described(const std::map<std::string, CPSMRes>& results) {
-    std::ostringstream text;
+    CClassicOut text;
     for (const auto& [key, psm] : results) {
         text << std::hexfloat << "[" << key << "] " << psm.m_strTitle << ' ' << psm.m_nCharge << ' '
              << psm.m_lfMH << '\n';

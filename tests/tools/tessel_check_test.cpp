@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "tests/support/classic.h"
 #include "tests/support/temp_folder.h"
 #include "tools/tessel_check/names.h"
 #include "tools/tessel_check/run_checks.h"
@@ -31,7 +32,7 @@ std::vector<std::string> folders() {
 }
 
 std::string as_expected(const FINDING& finding) {
-    std::ostringstream text;
+    test::CClassicOut text;
     text << (finding.m_eLevel == LEVEL::ERROR ? "error " : "warning ") << finding.m_strCode << ' '
          << fs::path(finding.m_cPlace.m_strFile).filename().string() << ' ';
     if (finding.m_cPlace.m_tLine == 0) {
