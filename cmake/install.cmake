@@ -63,8 +63,8 @@ install(FILES ${PROJECT_BINARY_DIR}/install/tessel.pc COMPONENT development
 install(FILES ${PROJECT_SOURCE_DIR}/data/element.ini ${PROJECT_SOURCE_DIR}/data/aa.ini
     ${PROJECT_SOURCE_DIR}/data/modification.ini ${PROJECT_SOURCE_DIR}/data/quant.ini
     COMPONENT data DESTINATION ${TESSEL_INSTALL_DATADIR})
-install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/unimod_to_ini COMPONENT data
-    DESTINATION ${TESSEL_INSTALL_DATADIR})
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/unimod_to_ini COMPONENT tools
+    DESTINATION ${CMAKE_INSTALL_BINDIR})
 # The folders stay as in the source tree, so that the links between the pages hold.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
     ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md COMPONENT docs DESTINATION ${TESSEL_INSTALL_DOCDIR})

@@ -1,5 +1,5 @@
-# Debian packages by CPack: the library, what programs are built with, the default tables and the
-# documentation. scripts/package.sh makes them from a build whose prefix is /usr.
+# Debian packages by CPack: the library, what programs are built with, the default tables, the tools
+# and the documentation. scripts/package.sh makes them from a build whose prefix is /usr.
 # The library's package is named after its binary interface, so that two may be installed at once.
 get_target_property(soversion tessel SOVERSION)
 
@@ -10,6 +10,9 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL library development data docs)
+if(TESSEL_BUILD_TOOLS)
+    list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -37,6 +40,12 @@ set(CPACK_DEBIAN_DATA_PACKAGE_NAME tessel-data)
 set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_DATA_DESCRIPTION
     "Default tables of elements, amino acids, modifications and quantitation labels.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME tessel-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "tessel-data, python3")
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION
+    "Programs that check a search before it runs and convert tables of modifications.")
 
 set(CPACK_DEBIAN_DOCS_PACKAGE_NAME libtessel-doc)
 set(CPACK_DEBIAN_DOCS_PACKAGE_ARCHITECTURE all)

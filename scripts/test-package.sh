@@ -78,7 +78,7 @@ done
 
 echo "-- Remove"
 expect_refusal --remove libtessel0.1
-expect_success --purge libtessel-dev libtessel-doc tessel-data libtessel0.1
+expect_success --purge libtessel-dev libtessel-doc tessel-tools tessel-data libtessel0.1
 listing >"$work/after.txt"
 diff "$work/before.txt" "$work/after.txt" || fail "the packages leave something behind"
 echo "The packages install, serve and go."

@@ -60,27 +60,28 @@ def is_decoy(fields):
 
 
 def count_matches(paths):
-    """Targets and decoys among the first candidates, by score."""
-    counts = collections.defaultdict(lambda: [0, 0])
+    """How many of the first candidates are targets and how many are decoys, each by score."""
+    targets, decoys = collections.Counter(), collections.Counter()
     for path in paths:
         for _, _, _, candidates in spectra(path):
             if candidates:
-                counts[float(candidates[0][3])][is_decoy(candidates[0])] += 1
-    return counts
+                counter = decoys if is_decoy(candidates[0]) else targets
+                counter[float(candidates[0][3])] += 1
+    return targets, decoys
 
 
-def q_values(counts):
+def q_values(targets, decoys):
     """The q-value by score."""
-    targets = decoys = 0
-    rates = []
-    for score in sorted(counts, reverse=True):
-        targets += counts[score][0]
-        decoys += counts[score][1]
-        rates.append((score, decoys / targets if targets else 1.0))
+    scores = sorted(targets.keys() | decoys.keys())
+    # From the lowest score upwards, so that the least rate so far is the q-value.
+    targets_above, decoys_above = targets.total(), decoys.total()
     values, least = {}, 1.0
-    for score, rate in reversed(rates):
-        least = min(least, rate)
+    for score in scores:
+        if targets_above:
+            least = min(least, decoys_above / targets_above)
         values[score] = least
+        targets_above -= targets[score]
+        decoys_above -= decoys[score]
     return values
 
 
@@ -113,7 +114,7 @@ def main():
     unfinished = options.output.with_name(f".{options.output.name}.{os.getpid()}")
     try:
         results = [pathlib.Path(line) for line in options.list.read_text().splitlines()]
-        values = q_values(count_matches(results))
+        values = q_values(*count_matches(results))
         with open(unfinished, "w", encoding="utf-8", errors="surrogateescape",
                   newline="\n") as table:
             write_table(results, values, table)

@@ -285,7 +285,7 @@ void CCondition::CreateSelModMap() {
             continue;
         }
         for (const char site : mod->m_strSites) {
-            if (is_upper(site)) m_vSelModMap[static_cast<std::size_t>(site)].push_back(mod);
+            if (is_upper(site)) m_vSelModMap[static_cast<unsigned char>(site)].push_back(mod);
         }
     }
 }

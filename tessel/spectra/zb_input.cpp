@@ -141,7 +141,7 @@ bool CZBInput::ReadEntry(std::vector<CSpectrum>& out) {
         spectrum.m_strTitle = m_strTitle;
         bytes += kPrecursor;
         if (i + 1 < precursors) {
-            out.push_back(spectrum);
+            out.push_back(spectrum);  // NOLINT(bugprone-use-after-move): the last alone is moved
         } else {
             out.push_back(std::move(spectrum));
         }
