@@ -56,6 +56,12 @@ function(use_find_package)
     configure_and_build(${consumer_folder}/found -DCMAKE_PREFIX_PATH=${installed}
         -DTESSEL_INCLUDE_FOLDER=${installed}/include)
     run(${work}/build/consumer FOLDER ${installed}/share/tessel)
+
+    # The examples that are installed can be built where they lie.
+    run(${CMAKE_COMMAND} -S ${installed}/share/doc/tessel/examples -B ${work}/examples
+        -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS}
+        -DCMAKE_PREFIX_PATH=${installed})
+    run(${CMAKE_COMMAND} --build ${work}/examples --target list_combinations)
 endfunction()
 
 function(use_pkg_config)
