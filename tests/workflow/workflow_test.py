@@ -184,12 +184,14 @@ class Collect(unittest.TestCase):
         return "".join(lines)
 
     def test_q_values_are_those_over_all_files(self):
-        # By falling score: target 9, target 8, decoy 7, target 6: rates 0, 0, 1/2, 1/3.
-        lines, _ = self.collect(self.spectrum("a", (9, 0), (5, 0)) + self.spectrum("b", (7, 1)),
-                                self.spectrum("c", (8, 0)) + self.spectrum("d", (6, 0)))
+        # By falling score: target 9, decoy 8, target 7, decoy 6, target 5: rates 0, 1, 1/2, 1, 2/3.
+        lines, _ = self.collect(self.spectrum("a", (9, 0), (4, 0)) + self.spectrum("b", (7, 0)),
+                                self.spectrum("c", (8, 1)) + self.spectrum("d", (6, 1), (6, 0)),
+                                self.spectrum("e", (5, 0)))
         self.assertEqual([tuple(line.split("\t")[i] for i in (0, 1, 8)) for line in lines],
-                         [("0.txt", "a", "0"), ("0.txt", "a", "1024"), ("0.txt", "b", "0.333333"),
-                          ("1.txt", "c", "0"), ("1.txt", "d", "0.333333")])
+                         [("0.txt", "a", "0"), ("0.txt", "a", "1024"), ("0.txt", "b", "0.5"),
+                          ("1.txt", "c", "0.5"), ("1.txt", "d", "0.666667"),
+                          ("1.txt", "d", "0.666667"), ("2.txt", "e", "0.666667")])
 
     def test_a_row_holds_what_the_result_says(self):
         lines, _ = self.collect(self.spectrum("a", (9.5, 0)))
