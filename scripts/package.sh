@@ -4,9 +4,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-scripts/install_packages.sh g++ cmake ninja-build dpkg-dev file
+scripts/install_packages.sh g++ cmake ninja-build dpkg-dev file doxygen
 cmake --preset package >/dev/null
-cmake --build --preset package -- --quiet
+cmake --build --preset package --target all docs -- --quiet
 rm -f build/package/*.deb
 (cd build/package && cpack >cpack.log 2>&1) || { cat build/package/cpack.log; exit 1; }
 ls build/package/*.deb
