@@ -62,6 +62,7 @@ std::size_t number_of_shifts(double maxDelta) {
 char* write_hundredths(char* text, double number) {
     const double exact = std::fabs(number) * 100.0;
     if (!(exact < 1e9)) return write_fixed(text, number, 2);
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): doubtful ones go the other way
     const auto hundredths = static_cast<std::uint32_t>(exact + 0.5);
     if (std::fabs(exact - hundredths) > 0.4) return write_fixed(text, number, 2);
     constexpr std::ptrdiff_t kDigits = 10;
