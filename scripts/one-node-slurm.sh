@@ -9,7 +9,7 @@ set -euo pipefail
 [ "$(id -u)" -eq 0 ] || { echo "one-node-slurm.sh: start it as root" >&2; exit 1; }
 "$(dirname "${BASH_SOURCE[0]}")/install_packages.sh" slurm-wlm munge
 
-folder=$(mktemp -d /tmp/one-node-slurm.XXXXXX)
+folder=$(mktemp --directory --tmpdir one-node-slurm.XXXXXX)
 chmod 755 "$folder"
 mkdir -m 755 "$folder"/{munge,spool,state,log}
 port=$((20000 + $$ % 20000))
