@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# Installs what the tests need, builds everything and runs all tests: optimised, and with the address
-# and undefined-behaviour sanitizers. Also compiles the library with clang and for Windows.
+# Installs what the tests need, lints, builds everything and runs all tests: optimised, and with the
+# address and undefined-behaviour sanitizers. Also compiles the library with clang and for Windows, and
+# tries the Debian packages.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install_packages.sh g++ cmake ninja-build libgtest-dev python3 clang clang-format-14 \
-    g++-mingw-w64-x86-64-posix
+    g++-mingw-w64-x86-64-posix pkgconf snakemake
 
-echo "== Format =="
-git ls-files '*.h' '*.cpp' | xargs clang-format-14 --dry-run --Werror
+echo "== Lint =="
+scripts/lint.sh
 
 scripts/install_german_locale.sh
 
@@ -35,3 +36,6 @@ cmake --preset thread >/dev/null
 cmake --build --preset thread -- --quiet
 # The sanitizer needs to know where memory is; g++ 12's cannot cope with much randomness.
 setarch --addr-no-randomize build/thread/tests/concurrency_tests --gtest_brief=1
+
+echo "== Debian packages =="
+scripts/test-package.sh

@@ -39,10 +39,11 @@ void CDigest::FindCuts(const std::string& protein) {
     m_vCuts.assign(protein.size() + 1, 0);
     m_vSites.assign(protein.size() + 1, 0);
     for (std::size_t position = 0; position <= protein.size(); ++position) {
-        m_vCuts[position] = enzyme.IsValidCleavage(protein, position);
+        m_vCuts[position] = enzyme.IsValidCleavage(protein, position) ? 1 : 0;
         // The cell removes an initial M, not the enzyme: a peptide that keeps it has missed
         // nothing. Only the second question tells the two apart.
-        m_vSites[position] = m_vCuts[position] && enzyme.IsValidPosition(protein, position, 0);
+        const bool isSite = m_vCuts[position] != 0 && enzyme.IsValidPosition(protein, position, 0);
+        m_vSites[position] = isSite ? 1 : 0;
     }
 }
 

@@ -26,7 +26,7 @@ void CForms::SetPeptide(std::string_view sequence, const PEPTIDE& peptide) {
     m_vVariable.clear();
     CollectTerminus(0, sequence.front(), peptide.m_bProteinStart, tessel::PRO_N, tessel::PEP_N);
     for (unsigned char i = 0; i < length; ++i) {
-        const auto slot = static_cast<std::size_t>(sequence[i]);
+        const auto slot = static_cast<unsigned char>(sequence[i]);
         CollectPosition(static_cast<unsigned char>(i + 1), m_cCondition.m_vSelModMap[slot]);
     }
     CollectTerminus(static_cast<unsigned char>(length + 1), sequence.back(), peptide.m_bProteinEnd,

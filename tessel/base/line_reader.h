@@ -34,7 +34,7 @@ public:
         const std::size_t held = std::min(m_tEnd - m_tBegin, m_tPiece);
         const void* const found = held > 0 ? std::memchr(begin, '\n', held) : nullptr;
         if (found == nullptr) return ReadSlowly(line);
-        std::size_t length = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
+        auto length = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
         m_tBegin += length + 1;
         if (length > 0 && begin[length - 1] == '\r') --length;
         line = std::string_view(begin, length);

@@ -106,7 +106,7 @@ bool scale(double value, int decimals, SCALED& scaled) {
     if (!(value < kMaxValue) || decimals > kMaxScaledDecimals) return false;
     scaled.whole = static_cast<std::uint64_t>(value);
     const double exact = (value - static_cast<double>(scaled.whole)) * static_cast<double>(kOne);
-    std::uint64_t rest = static_cast<std::uint64_t>(exact);
+    auto rest = static_cast<std::uint64_t>(exact);
     const bool cut = static_cast<double>(rest) != exact;
 
     scaled.fraction = 0;

@@ -62,6 +62,7 @@ std::size_t number_of_shifts(double maxDelta) {
 char* write_hundredths(char* text, double number) {
     const double exact = std::fabs(number) * 100.0;
     if (!(exact < 1e9)) return write_fixed(text, number, 2);
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): doubtful ones go the other way
     const auto hundredths = static_cast<std::uint32_t>(exact + 0.5);
     if (std::fabs(exact - hundredths) > 0.4) return write_fixed(text, number, 2);
     constexpr std::ptrdiff_t kDigits = 10;
@@ -285,7 +286,7 @@ void CCondition::CreateSelModMap() {
             continue;
         }
         for (const char site : mod->m_strSites) {
-            if (is_upper(site)) m_vSelModMap[static_cast<std::size_t>(site)].push_back(mod);
+            if (is_upper(site)) m_vSelModMap[static_cast<unsigned char>(site)].push_back(mod);
         }
     }
 }

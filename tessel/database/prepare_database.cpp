@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::size_t kWriteBlock = std::size_t{1} << 20;
 constexpr int kMaxAttempts = 3;
-constexpr std::int64_t kSecondsOfDay = 24 * 60 * 60;
+constexpr std::int64_t kSecondsOfDay = std::int64_t{24} * 60 * 60;
 constexpr std::string_view kUnfinishedSuffix = ".tmp";
 constexpr std::size_t kFastaSuffixLength = 6;  // ".fasta"
 

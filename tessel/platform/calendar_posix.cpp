@@ -1,4 +1,4 @@
-#include <time.h>
+#include <time.h>  // NOLINT(modernize-deprecated-headers): localtime_r() is of POSIX, not C
 
 #include "tessel/platform/calendar.h"
 
@@ -7,7 +7,7 @@ namespace tessel {
 CALENDAR_TIME local_time(std::int64_t seconds) {
     // The process's time zone as it was first used or last set: tzset() would write to what all
     // threads share.
-    const time_t time = static_cast<time_t>(seconds);
+    const auto time = static_cast<time_t>(seconds);
     struct tm parts;
     if (localtime_r(&time, &parts) == nullptr) return {};
     return {std::int64_t{parts.tm_year} + 1900,

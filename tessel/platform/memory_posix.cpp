@@ -122,11 +122,13 @@ void CFreshPages::MakeReady() {
     const auto begin = reinterpret_cast<std::uintptr_t>(m_pReady) / page * page;
     const auto end = reinterpret_cast<std::uintptr_t>(m_pEnd) / page * page;
     const std::uintptr_t next = std::min(begin + kPiece, end);
+    // NOLINTBEGIN(performance-no-int-to-ptr): addresses of pages are numbers
     if (next > begin &&
         madvise(reinterpret_cast<void*>(begin), next - begin, MADV_POPULATE_WRITE) == 0) {
         m_pReady = next < end ? reinterpret_cast<char*>(next) : m_pEnd;
         return;
     }
+    // NOLINTEND(performance-no-int-to-ptr)
 #endif
     m_pReady = m_pEnd;
 }

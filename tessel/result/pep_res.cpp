@@ -16,7 +16,7 @@ namespace {
 MOD_SITE* copied_sites(const CPepRes& other) {
     const std::size_t count = other.SiteNum();
     if (count == 0) return nullptr;
-    MOD_SITE* sites = new MOD_SITE[count];
+    auto* sites = new MOD_SITE[count];
     std::copy_n(other.m_pMods, count, sites);
     return sites;
 }
@@ -92,7 +92,7 @@ int CPepRes::Clean() {
 double CPepRes::GetHash(const GodelCode& code) const {
     std::string bytes = m_strSeq;
     for (std::size_t i = 0; i < SiteNum(); ++i) {
-        char address[sizeof(const CMod*)];
+        char address[sizeof(void*)];
         std::memcpy(address, &m_pMods[i].m_pMod, sizeof address);
         bytes += static_cast<char>(m_pMods[i].m_ucPos);
         bytes.append(address, sizeof address);

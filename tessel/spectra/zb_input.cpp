@@ -135,6 +135,7 @@ bool CZBInput::ReadEntry(std::vector<CSpectrum>& out) {
 
     spectrum.Create_Hash_Table();
     for (std::int32_t i = 0; i < precursors; ++i) {
+        // NOLINTNEXTLINE(bugprone-use-after-move): the last one alone is moved
         spectrum.m_nCharge = count_at(bytes + kMz);
         spectrum.m_lfMH = protonated_mass(little_endian_double(bytes), spectrum.m_nCharge);
         write_title(m_strTitle, m_strStem, spectrum.m_nScanNo, spectrum.m_nCharge, i);

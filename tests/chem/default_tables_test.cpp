@@ -52,9 +52,9 @@ double mass_of(const std::string& composition, const std::map<std::string, doubl
 
 TEST_F(default_tables, elements_on_which_the_ions_rest_are_exact) {
     const std::map<std::string, double> exact = {
-        {"H", 1.007825035},   {"C", 12.0},        {"N", 14.003074},    {"O", 15.99491463},
-        {"P", 30.973762},     {"S", 31.9720707},  {"2H", 2.014101779}, {"13C", 13.00335483},
-        {"15N", 15.00010897}, {"18O", 17.9991603}};
+        {"H", 1.007825035},   {"C", 12.0},          {"N", 14.003074},    {"O", 15.99491463},
+        {"P", 30.973762},     {"S", 31.9720707},    {"2H", 2.014101779}, {"13C", 13.00335483},
+        {"15N", 15.00010897}, {"16O", 15.99491463}, {"18O", 17.9991603}};
     for (const auto& [symbol, mass] : exact)
         EXPECT_EQ(m_cCondition.m_mapElementMass.at(symbol), mass) << symbol;
     for (const auto& [symbol, mass] : m_cCondition.m_mapElementMass)
@@ -102,7 +102,8 @@ TEST_F(default_tables, names_are_unique_and_mean_nothing_else) {
         EXPECT_TRUE(names.insert(mod.m_strName).second) << mod.m_strName;
         EXPECT_EQ(mod.m_strName.find_first_of(" \t;#=|,{}"), std::string::npos) << mod.m_strName;
         EXPECT_EQ(mod.m_strName.find("TESSEL_DELTA_"), std::string::npos) << mod.m_strName;
-        EXPECT_NE(mod.m_strName, "NULL");
+        for (const char* reserved : {"name", "Label_", "@", "NULL"})
+            EXPECT_FALSE(mod.m_strName.starts_with(reserved)) << mod.m_strName;
     }
 }
 
@@ -152,8 +153,8 @@ TEST_F(default_tables, every_label_can_be_read) {
 TEST_F(default_tables, labels_give_their_known_masses_to_the_workers) {
     const test::CTempFolder folder;
     m_cCondition.m_strOutputPath = folder.Path() + '\\';
-    m_cCondition.m_vLabels = {"None", "SILAC-K8R10", "15N", "Dimethyl-Medium"};
-    ASSERT_EQ(m_cCondition.WriteConfFiles(), 4u);
+    m_cCondition.m_vLabels = {"None", "SILAC-K8R10", "15N", "Dimethyl-Medium", "18O2"};
+    ASSERT_EQ(m_cCondition.WriteConfFiles(), 5u);
     struct {
         const char* number;
         double lysine;
@@ -163,7 +164,9 @@ TEST_F(default_tables, labels_give_their_known_masses_to_the_workers) {
     } rows[] = {{"1", 128.094963, 156.101111, "Dimethyl[K]#0", 28.031300},
                 {"2", 136.109162, 166.109380, "Citrullination[R]#2", -0.013019},
                 {"3", 130.089033, 160.089251, "GG[K]#3", 116.036997},
-                {"4", 128.094963, 156.101111, "Dimethyl[K]#4", 32.056407}};
+                {"4", 128.094963, 156.101111, "Dimethyl[K]#4", 32.056407},
+                {"5", 128.094963, 156.101111, "Label:16O2[AnyC-term]#5", 4.008491},
+                {"5", 128.094963, 156.101111, "Label:16O2[AnyC-term]#0", 0.0}};
     for (const auto& row : rows) {
         m_cCondition.m_strAAPath = m_cCondition.m_strOutputPath + row.number + ".aa";
         m_cCondition.m_strModPath = m_cCondition.m_strOutputPath + row.number + ".mod";
@@ -174,6 +177,22 @@ TEST_F(default_tables, labels_give_their_known_masses_to_the_workers) {
         ASSERT_NE(Mod(row.mod), nullptr) << row.mod;
         EXPECT_NEAR(Mod(row.mod)->m_lfMass, row.mass, 1e-5) << row.mod;
     }
+}
+
+// What tools/unimod_to_ini makes of its excerpt.
+TEST_F(default_tables, converted_table_is_read_whole) {
+    m_cCondition.m_strModPath = test::source_path("tests/tools/excerpt.expected.ini");
+    m_cCondition.ReadMod();
+    ASSERT_EQ(m_cCondition.m_vMods.size(), 11u);
+    for (const CMod& mod : m_cCondition.m_vMods)
+        EXPECT_NEAR(mod.m_lfMass, mass_of(mod.m_strComposition, m_cCondition.m_mapElementMass),
+                    1e-6)
+            << mod.m_strName;
+    EXPECT_EQ(Mod("Phospho[S]")->m_vLossMass, std::vector<double>{97.976896});
+    EXPECT_EQ(Mod("Phospho[S]")->m_nFlag, 1);
+    EXPECT_EQ(Mod("Phospho[Y]")->m_nFlag, 0);
+    EXPECT_EQ(Mod("Gln->pyro-Glu[AnyN-termQ]")->m_eType, PEP_N);
+    EXPECT_EQ(Mod("Gln->pyro-Glu[AnyN-termQ]")->m_strSites, "Q");
 }
 
 }  // namespace

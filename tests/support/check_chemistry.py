@@ -21,7 +21,7 @@ ANY_RESIDUE = "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
 EXACT_ELEMENTS = {
     "H": 1.007825035, "C": 12.0, "N": 14.003074, "O": 15.99491463, "P": 30.973762,
     "S": 31.9720707, "2H": 2.014101779, "13C": 13.00335483, "15N": 15.00010897,
-    "18O": 17.9991603,
+    "16O": 15.99491463, "18O": 17.9991603,
 }
 
 KNOWN_ELEMENTS = {
@@ -30,7 +30,7 @@ KNOWN_ELEMENTS = {
     "Cr": 51.940512, "Mn": 54.938050, "Fe": 55.934942, "Co": 58.933200, "Ni": 57.935348,
     "Cu": 62.929601, "Zn": 63.929147, "As": 74.921596, "Se": 79.916522, "Br": 78.918338,
     "Mo": 97.905408, "Ag": 106.905093, "Cd": 113.903358, "I": 126.904468, "Pt": 194.964774,
-    "Au": 196.966552, "Hg": 201.970626,
+    "Au": 196.966552, "Hg": 201.970626, "Ru": 101.904350, "Pd": 105.903483,
 }
 
 KNOWN_RESIDUES = {
@@ -83,7 +83,13 @@ KNOWN_SHIFTS = {
     "Dimethyl:2H4": 32.056407, "Dimethyl:13C2-2H4": 34.063117, "Dimethyl:13C2-2H6": 36.075670,
     "Acetyl:2H3": 45.029395, "Methyl:13C1-2H3": 18.037835, "Label:2H4": 4.025107,
     "Label:13C6": 6.020129, "Label:13C6-15N2": 8.014199, "Label:13C6-15N4": 10.008269,
-    "Label:18O1": 2.004246, "Label:18O2": 4.008491,
+    "Label:18O1": 2.004246, "Label:18O2": 4.008491, "Label:16O1": 0.0, "Label:16O2": 0.0,
+    "Label:13C6-15N1": 7.017164, "Label:2H3": 3.018830, "Label:13C5-15N1": 6.013809,
+    "Label:13C9": 9.030193, "Label:13C9-15N1": 10.027228, "Label:13C5": 5.016774,
+    "mTRAQ": 140.094963, "mTRAQ:13C3-15N1": 144.102063, "mTRAQ:13C6-15N2": 148.109162,
+    "Pent": 132.042259, "dHexHexNAc": 349.137281, "HexNAc2": 406.158745,
+    "Hex3HexNAc2": 892.317216, "Hex5HexNAc2": 1216.422863, "HexHexNAcNeuAc": 656.227613,
+    "HexHexNAcNeuAc2": 947.323029, "LRGG": 383.228103, "Dehydroalanine": -33.987721,
 }
 
 KNOWN_AVERAGES = {
@@ -114,6 +120,8 @@ KNOWN_RESIDUE_SHIFTS = {
     "SILAC-L7": {"L": 7.017164},
     "Dimethyl-Medium": {},
     "Dimethyl-13C2-2H4": {},
+    "18O1": {},
+    "18O2": {},
     "Acetyl-13C2": {},
     "Propionyl-13C3": {},
 }
@@ -124,6 +132,8 @@ KNOWN_LABELLED_MODIFICATIONS = {
     ("Dimethyl-Medium", "Dimethyl[AnyN-term]"): 32.056407,
     ("Dimethyl-13C2-2H4", "Dimethyl[K]"): 34.063117,
     ("Dimethyl-13C2-2H4", "Dimethyl[AnyN-term]"): 34.063117,
+    ("18O1", "Label:16O1[AnyC-term]"): 2.004246,
+    ("18O2", "Label:16O2[AnyC-term]"): 4.008491,
     ("Acetyl-13C2", "Acetyl[K]"): 44.017274,
     ("Acetyl-13C2", "Acetyl[AnyN-term]"): 44.017274,
     ("Propionyl-13C3", "Propionyl[K]"): 59.036279,
@@ -131,6 +141,7 @@ KNOWN_LABELLED_MODIFICATIONS = {
     ("SILAC-R10", "Citrullination[R]"): -0.013019,
     ("SILAC-K8R10", "Lys->Arg[K]"): 30.000218,
     ("15N", "GG[K]"): 116.036997,
+    ("15N", "Hex3HexNAc2[N]"): 894.311286,
     ("15N", "Deamidated[N]"): -0.013019,
     ("15N", "Gln->pyro-Glu[AnyN-termQ]"): -18.023584,
 }
@@ -298,7 +309,8 @@ def read_modification(name, value, masses, means, residues):
         check_close(average, KNOWN_AVERAGES[name], 1.5e-3, f"{where}: known average mass")
     lossMasses = [float(text) for text in tokens[5:-1]]
     for lossMono, lossAverage in zip(lossMasses[::2], lossMasses[1::2]):
-        check(lossMono > 0 and abs(lossMono - lossAverage) < 0.5, f"{where}: implausible loss")
+        near = max(0.5, 0.001 * lossMono)
+        check(lossMono > 0 and abs(lossMono - lossAverage) < near, f"{where}: implausible loss")
     if name in KNOWN_LOSSES:
         check(lossMasses[::2] == KNOWN_LOSSES[name], f"{where}: neutral losses")
     return groups
