@@ -83,20 +83,17 @@ PLAIN_NUMBER<double> plain_double(std::string_view text) {
     return {value, static_cast<std::size_t>(end - copy.c_str())};
 }
 
-PLAIN_NUMBER<__int128> plain_integer(std::string_view text, __int128 lowest, __int128 highest) {
+PLAIN_DIGITS plain_digits(std::string_view text) {
+    PLAIN_DIGITS read;
     std::size_t at = blanks_at_front(text);
-    const bool negative = at < text.size() && text[at] == '-';
+    read.negative = at < text.size() && text[at] == '-';
     if (is_sign(text, at)) ++at;
     if (at == text.size() || !plain_digit(text[at])) return {};
-    __int128 value = 0;
-    constexpr __int128 kFar = static_cast<__int128>(1) << 100;
     for (; at < text.size() && plain_digit(text[at]); ++at) {
-        if (value < kFar) value = value * 10 + (text[at] - '0');
+        if (!read.digits.empty() || text[at] != '0') read.digits += text[at];
     }
-    if (negative) value = -value;
-    if (lowest == 0 && value < 0) return {};
-    value = value < lowest ? lowest : value > highest ? highest : value;
-    return {value, at};
+    read.length = at;
+    return read;
 }
 
 }  // namespace tessel::fuzz

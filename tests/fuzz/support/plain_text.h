@@ -36,14 +36,32 @@ struct PLAIN_NUMBER {
 /// As strtod reads in the "C" locale, but hexadecimal by its decimal prefix.
 PLAIN_NUMBER<double> plain_double(std::string_view text);
 
-/// Digit by digit, saturating at the limits; a negative number is none for limits from 0 on.
-PLAIN_NUMBER<__int128> plain_integer(std::string_view text, __int128 lowest, __int128 highest);
+/// The sign and the digits at the front of a text, leading zeros left out, with the length of all.
+struct PLAIN_DIGITS {
+    bool negative = false;
+    std::string digits;
+    std::size_t length = 0;
+};
+PLAIN_DIGITS plain_digits(std::string_view text);
 
+/// Digit by digit, saturating at the limits of the type; a negative number is none for an unsigned
+/// one.
 template <class Integer>
 PLAIN_NUMBER<Integer> plain_integer(std::string_view text) {
-    const auto read = plain_integer(text, std::numeric_limits<Integer>::min(),
-                                    std::numeric_limits<Integer>::max());
-    return {static_cast<Integer>(read.value), read.length};
+    using Limits = std::numeric_limits<Integer>;
+    const PLAIN_DIGITS read = plain_digits(text);
+    if (read.length == 0 || (Limits::min() == 0 && read.negative && !read.digits.empty()))
+        return {};
+    const Integer limit = read.negative ? Limits::min() : Limits::max();
+    const std::string far = std::to_string(limit).substr(limit < 0 ? 1 : 0);
+    const std::size_t size = read.digits.size();
+    if (size > far.size() || (size == far.size() && read.digits > far)) return {limit, read.length};
+    Integer value = 0;
+    for (const char c : read.digits) {
+        const int digit = read.negative ? '0' - c : c - '0';
+        value = static_cast<Integer>(value * Integer{10} + static_cast<Integer>(digit));
+    }
+    return {value, read.length};
 }
 
 }  // namespace tessel::fuzz
