@@ -1,7 +1,8 @@
-// Parameter files: read, written, read back.
+// Parameter files: read, single keys of every kind against a plain lookup, written, read back.
 
 #include "tessel/param/condition_reader.h"
 #include "tessel/param/condition_writer.h"
+#include "tests/fuzz/support/plain_text.h"
 #include "tests/fuzz/support/target.h"
 
 namespace tessel::fuzz {
@@ -14,6 +15,39 @@ bool rewrite(const std::string& from, const std::string& to) {
         reader.Read();
         CConditionWriter(scratch_path(to), &reader.m_cCondition).Write();
     });
+}
+
+// What stands behind "key=" on the first such line behind the section's header.
+std::string plain_value(const std::vector<std::string>& lines, const std::string& section,
+                        const std::string& key, const std::string& missing) {
+    bool inSection = false;
+    for (const std::string& line : lines) {
+        if (inSection && line.starts_with(key + '=')) {
+            std::string value = line.substr(key.size() + 1);
+            while (!value.empty() && value.back() == '\r')
+                value.pop_back();
+            return value;
+        }
+        inSection = inSection || line.starts_with('[' + section + ']');
+    }
+    return missing;
+}
+
+void check_values(const CCondition& condition, const std::vector<std::string>& lines) {
+    const auto value = [&lines](const char* section, const char* key, const char* missing) {
+        return plain_value(lines, section, key, missing);
+    };
+    check(condition.m_strSelectMod == value("param", "selectmod", "") &&
+              condition.m_strQuant == value("quant", "quant", "1|None"),
+          "texts are read");
+    check(same(condition.m_lfCenter, plain_double(value("param", "center", "0.0")).value),
+          "doubles are read");
+    const std::string open = value("engine", "open", "1");
+    check(condition.m_nOpen == (open.empty() ? 1 : plain_integer<int>(open).value),
+          "integers are read, an empty one as if it were missing");
+    check(condition.m_nLenUpper == plain_integer<int>(value("filter", "len_upper", "100")).value,
+          "an empty number of a text is 0");
+    check(condition.m_bIeqL == (value("param", "IeqL", "1") != "0"), "0 alone switches off");
 }
 
 void check_ranges(const CCondition& condition) {
@@ -39,6 +73,7 @@ void run(CBytes input) {
             CConditionReader reader(scratch_path("given.param"));
             reader.Read();
             check_ranges(reader.m_cCondition);
+            check_values(reader.m_cCondition, plain_lines(input.Text()));
             folders = reader.m_cCondition.m_bMSMSFolder;
             CConditionWriter(scratch_path("first.param"), &reader.m_cCondition).Write();
         })) {
