@@ -1,5 +1,7 @@
 // Parameter files: read, single keys of every kind against a plain lookup, written, read back.
 
+#include <algorithm>
+
 #include "tessel/param/condition_reader.h"
 #include "tessel/param/condition_writer.h"
 #include "tests/fuzz/support/plain_text.h"
@@ -50,6 +52,20 @@ void check_values(const CCondition& condition, const std::vector<std::string>& l
     check(condition.m_bIeqL == (value("param", "IeqL", "1") != "0"), "0 alone switches off");
 }
 
+void check_files(const CCondition& condition, const std::vector<std::string>& lines) {
+    if (condition.m_bMSMSFolder) return;
+    const std::string stated = plain_value(lines, "datalist", "msmsnum", "0");
+    const auto most = static_cast<int>(lines.size());
+    const std::size_t count =
+        static_cast<std::size_t>(std::clamp(plain_integer<int>(stated).value, 0, most));
+    check(condition.m_vMSMSFiles.size() == count, "as many files are read as are there");
+    for (std::size_t i = 0; i < count && i < 8; ++i) {
+        const std::string key = "msmspath" + std::to_string(i + 1);
+        check(condition.m_vMSMSFiles[i] == plain_value(lines, "datalist", key, "NULL"),
+              "files are read by their number");
+    }
+}
+
 void check_ranges(const CCondition& condition) {
     check(condition.m_tMaxModNum <= 20 && condition.m_tSelectPeak <= 5000, "counts are in range");
     check(condition.m_ucDigest <= 3 && condition.m_nOpenTagLen <= 6 && condition.m_nRestTagLen <= 6,
@@ -74,6 +90,7 @@ void run(CBytes input) {
             reader.Read();
             check_ranges(reader.m_cCondition);
             check_values(reader.m_cCondition, plain_lines(input.Text()));
+            check_files(reader.m_cCondition, plain_lines(input.Text()));
             folders = reader.m_cCondition.m_bMSMSFolder;
             CConditionWriter(scratch_path("first.param"), &reader.m_cCondition).Write();
         })) {
