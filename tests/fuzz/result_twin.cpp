@@ -1,5 +1,6 @@
 // Result files, against a plain reading of all tokens.
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -9,6 +10,8 @@
 
 namespace tessel::fuzz {
 namespace {
+
+constexpr std::size_t kPiece = 81919;
 
 // A file as a text that is read from the front. A field that cannot be read makes it bad.
 class CPlainResults {
@@ -30,7 +33,7 @@ public:
             }
             if (!m_bGood) {
                 m_strRest = record;
-                Line();
+                Line(std::string_view::npos);
                 continue;
             }
             const auto [entry, isNew] = m_mapResults.try_emplace(m_cSpectrum.m_strTitle);
@@ -52,16 +55,17 @@ private:
     std::string Token() {
         m_bGood = SkipBlanks() && m_bGood;
         std::string token;
-        while (!m_strRest.empty() && !plain_blank(m_strRest.front())) {
+        while (!m_strRest.empty() && !plain_blank(m_strRest.front()) && token.size() < kPiece) {
             token += m_strRest.front();
             m_strRest.remove_prefix(1);
         }
         return token;
     }
-    std::string Line() {
-        const std::size_t feed = m_strRest.find('\n');
-        const std::string line(m_strRest.substr(0, feed));
-        m_strRest.remove_prefix(feed == std::string_view::npos ? m_strRest.size() : feed + 1);
+    // What is left of the line, or as much of it as a line buffer holds.
+    std::string Line(std::size_t most = kPiece) {
+        const std::string line(m_strRest.substr(0, std::min(m_strRest.find('\n'), most)));
+        m_strRest.remove_prefix(line.size());
+        if (line.size() < most && !m_strRest.empty()) m_strRest.remove_prefix(1);
         return line;
     }
     double Real() {

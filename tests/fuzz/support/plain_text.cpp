@@ -31,14 +31,14 @@ std::vector<std::string> plain_lines(std::string_view text, std::size_t piece) {
     std::vector<std::string> lines;
     while (!text.empty()) {
         const std::size_t feed = text.find('\n');
-        std::string line(text.substr(0, feed));
+        std::string_view line = text.substr(0, feed);
         std::size_t taken = feed == std::string_view::npos ? text.size() : feed + 1;
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (line.ends_with('\r')) line.remove_suffix(1);
         if (line.size() >= piece) {
-            line.resize(piece);
+            line = line.substr(0, piece);
             taken = piece;
         }
-        lines.push_back(line);
+        lines.emplace_back(line);
         text.remove_prefix(taken);
     }
     return lines;
