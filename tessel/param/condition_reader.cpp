@@ -51,7 +51,7 @@ public:
 
     // By one scan: one for each would take minutes for the files of a large study.
     std::vector<std::string> Entries(std::size_t count) const {
-        return m_cTool.GetStrings("msmspath", count, kMissingEntry);
+        return m_cTool.GetStrings(kEntryStem, count, kMissingEntry);
     }
 
 private:

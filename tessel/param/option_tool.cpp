@@ -66,7 +66,7 @@ std::string COptionTool::GetString(const char* key, const char* defaultValue) co
     return std::string(find_value(lines, m_strSection, key).value_or(defaultValue));
 }
 
-std::vector<std::string> COptionTool::GetStrings(const char* prefix, std::size_t count,
+std::vector<std::string> COptionTool::GetStrings(std::string_view prefix, std::size_t count,
                                                  const char* defaultValue) const {
     CLineReader lines(m_strPath, kLinePiece);
     std::vector<std::string> values(count, lines.IsOpen() ? defaultValue : "");
@@ -76,8 +76,7 @@ std::vector<std::string> COptionTool::GetStrings(const char* prefix, std::size_t
     while (lines.ReadLine(line)) {
         const std::size_t sign = line.find('=');
         if (sign == std::string_view::npos || !line.starts_with(prefix)) continue;
-        const std::size_t begin = std::string_view(prefix).size();
-        const std::size_t number = number_of(text_from(line.substr(0, sign), begin));
+        const std::size_t number = number_of(text_from(line.substr(0, sign), prefix.size()));
         if (number == 0 || number > count || found[number - 1]) continue;
         found[number - 1] = true;
         values[number - 1] = without_line_end(line.substr(sign + 1));

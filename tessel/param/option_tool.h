@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tessel/export.h"
@@ -25,7 +26,7 @@ public:
     std::string GetString(const char* key, const char* defaultValue) const;
 
     /// GetString() for the keys prefix + "1" to prefix + count, all by one scan.
-    std::vector<std::string> GetStrings(const char* prefix, std::size_t count,
+    std::vector<std::string> GetStrings(std::string_view prefix, std::size_t count,
                                         const char* defaultValue) const;
 
     /// The key's value in a section of a file, as atoi reads it (0 for text that is no number); the
