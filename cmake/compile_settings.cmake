@@ -14,4 +14,12 @@ function(tessel_compile_settings target)
         target_compile_options(${target} PRIVATE -fsanitize=thread -O1)
         target_link_options(${target} PRIVATE -fsanitize=thread)
     endif()
+    if(TESSEL_FUZZ)
+        set(sanitizers -fsanitize=address,undefined,float-cast-overflow
+            -fno-sanitize-recover=all)
+        target_compile_options(${target} PRIVATE ${sanitizers} -fsanitize=fuzzer-no-link
+            -fno-omit-frame-pointer)
+        target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+        target_link_options(${target} PRIVATE ${sanitizers})
+    endif()
 endfunction()

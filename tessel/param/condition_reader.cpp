@@ -49,8 +49,9 @@ public:
         return static_cast<Field>(Integer(key));
     }
 
-    std::string Entry(const std::string& key) const {
-        return m_cTool.GetString(key.c_str(), kMissingEntry);
+    // By one scan: one for each would take minutes for the files of a large study.
+    std::vector<std::string> Entries(std::size_t count) const {
+        return m_cTool.GetStrings(kEntryStem, count, kMissingEntry);
     }
 
 private:
@@ -138,7 +139,7 @@ int line_count(const std::string& path) {
     return count;
 }
 
-// No file holds more entries than lines; a larger number is not worth a search for each.
+// No file holds more entries than lines; a larger number is not worth a place for each.
 std::size_t entry_count(const CSection& list, const std::string& path,
                         const CCondition& condition) {
     const int stated = list.Integer("msmsnum");
@@ -179,14 +180,9 @@ std::vector<std::string> files_in_folders(const CCondition& condition,
 void load_data_list(const CSection& list, const std::string& path, CCondition& condition) {
     condition.m_bMSMSFolder = list.IsNotZero("msmsfolder");
     const std::size_t count = entry_count(list, path, condition);
-    std::vector<std::string> entries;
-    for (std::size_t number = 1; number <= count; ++number) {
-        const std::string key = entry_key(number);
-        entries.push_back(list.Entry(key));
-        if (!condition.m_bMSMSFolder) {
-            CConditionReader::Validation_Path(condition, entries.back(), key);
-        }
-    }
+    std::vector<std::string> entries = list.Entries(count);
+    for (std::size_t i = 0; !condition.m_bMSMSFolder && i < count; ++i)
+        CConditionReader::Validation_Path(condition, entries[i], entry_key(i + 1));
     condition.m_strMSMSType = list.Text("msmstype");
     condition.m_vMSMSFiles =
         condition.m_bMSMSFolder ? files_in_folders(condition, entries) : std::move(entries);

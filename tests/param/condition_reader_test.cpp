@@ -656,6 +656,18 @@ TEST(condition_reader, spectrum_file_without_a_key_is_named_null) {
     EXPECT_ENDS_PROCESS(read(path), alert("Invalid_msmspath2_Path: [NULL]"), "");
 }
 
+// A scan of the file for each of them would take minutes.
+TEST(condition_reader, list_of_a_hundred_thousand_spectrum_files_is_read_by_one_scan) {
+    constexpr std::size_t kFiles = 100000;
+    CParameterFile file;
+    const std::string path = file.Folder().Path();
+    std::string lines = "msmsnum=100000\n";
+    for (std::size_t number = kFiles; number > 0; --number)
+        lines += "msmspath" + std::to_string(number) + '=' + path + '\n';
+    const READING reading(file.Set("datalist", lines));
+    EXPECT_EQ(reading.Condition().m_vMSMSFiles, std::vector<std::string>(kFiles, path));
+}
+
 // The file of the next two tests has the seven headers, four lines of "file" and what is set.
 TEST(condition_reader, more_spectrum_files_than_lines_are_reported_and_not_looked_up) {
     CParameterFile file;

@@ -231,6 +231,29 @@ TEST(option_tool, every_lookup_reads_the_file_as_it_is_then) {
     EXPECT_EQ(tool.GetString("thread", "default"), "");
 }
 
+TEST(option_tool, numbered_keys_are_looked_up_all_at_once) {
+    const test::CTempFolder folder;
+    const std::string path = folder.Write(
+        "search.ini",
+        "p1=before\n[param]\np2=two\np1=one=1\r\r\np2=again\np03=zero\np=\npx=\np5=five\n"
+        "p18446744073709551617=far\n[file]\np4=\nP3=case\np3 =blank\n");
+    const COptionTool tool(path, "param");
+    const std::vector<std::string> expected{"one=1", "two", "none", ""};
+    EXPECT_EQ(tool.GetStrings("p", 4, "none"), expected);
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(tool.GetString(("p" + std::to_string(i + 1)).c_str(), "none"), expected[i]);
+    EXPECT_TRUE(tool.GetStrings("p", 0, "none").empty());
+}
+
+TEST(option_tool, numbered_keys_of_a_missing_section_or_file_are_missing) {
+    const test::CTempFolder folder;
+    const std::string path = folder.Write("search.ini", "[param]\np1=one\n");
+    EXPECT_EQ(COptionTool(path, "file").GetStrings("p", 2, "none"),
+              (std::vector<std::string>{"none", "none"}));
+    EXPECT_EQ(COptionTool(folder.Path("missing.ini"), "param").GetStrings("p", 2, "none"),
+              (std::vector<std::string>{"", ""}));
+}
+
 TEST(option_tool, keeps_the_path_and_the_section_as_given) {
     const COptionTool tool("a\\b.param", "param");
     EXPECT_EQ(tool.m_strPath, "a\\b.param");
