@@ -83,11 +83,30 @@ public:
         return Measure(pep.m_lfPepMass) && Measure(pep.m_lfScore) && Measure(pep.m_lfFinalScore) &&
                m_cTokens.Number(pep.m_lfQValue) && Sites(pep) && Byte(pep.m_ucAuxMax) &&
                Flag(pep.m_bDecoy) && Byte(pep.m_ucAux1) && Hits(psm.m_strTitle, pep) &&
-               Byte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
-               Numbers(pep.m_nAuxB);
+               FieldsBehindHits(pep);
     }
 
 private:
+    // Where a list begins, counted in tokens of the record; each site adds two.
+    static constexpr std::uint64_t kFieldsBeforeHits = 11;
+    // A list that fails later than this has cost enough to be remembered.
+    static constexpr int kLongList = 100;
+
+    static std::uint64_t HitsAt(const CPepRes& pep) {
+        return kFieldsBeforeHits + 2 * std::uint64_t{pep.m_ucModNum};
+    }
+
+    bool FieldsBehindHits(CPepRes& pep) {
+        if (Byte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
+            Numbers(pep.m_nAuxB)) {
+            return true;
+        }
+        if (m_nHits > kLongList) {
+            m_cTokens.NoteBadEnd(HitsAt(pep) + static_cast<std::uint64_t>(m_nHits));
+        }
+        return false;
+    }
+
     template <class List>
     bool Numbers(List& values) {
         for (auto& value : values) {
@@ -138,9 +157,13 @@ private:
         int count = 0;
         if (!m_cTokens.Number(count) || count < 0) return false;
         if (!m_cTokens.MayHold(static_cast<std::uint64_t>(count) * kShortestHit)) return false;
-        for (int i = 0; i < count; ++i) {
+        if (count > kLongList &&
+            m_cTokens.ListFails(HitsAt(pep), static_cast<std::uint64_t>(count))) {
+            return false;
+        }
+        for (m_nHits = 0; m_nHits < count; ++m_nHits) {
             PRO_INFO hit;
-            if (!m_cTokens.Hit(hit)) return false;
+            if (!m_cTokens.Hit(hit)) return BadHit(pep);
             pep.m_setProteins.insert(pep.m_setProteins.end(), hit);
         }
         if (pep.m_setProteins.size() != static_cast<std::size_t>(count)) {
@@ -149,9 +172,17 @@ private:
         return true;
     }
 
+    bool BadHit(const CPepRes& pep) {
+        if (m_nHits > kLongList) {
+            m_cTokens.NoteBadHit(HitsAt(pep) + static_cast<std::uint64_t>(m_nHits));
+        }
+        return false;
+    }
+
     const CCondition& m_cCondition;
     CKnownMods& m_cMods;
     Tokens& m_cTokens;
+    int m_nHits = 0;  // of the current record, as far as they are read
 };
 
 // A spectrum head, its "S" already taken: mass and charge on the rest of that line, the title on

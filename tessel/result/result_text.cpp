@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace tessel {
 
@@ -35,12 +36,49 @@ CResultText::CResultText(std::FILE* file)
 }
 
 void CResultText::LeaveRecord() {
-    m_bInRecord = false;
+    m_bInRecord = m_bNoting;  // the line then stays in the buffer until its tokens are counted
     m_pNext = m_pRecord;
     m_uLine = m_uRecordLine;
-    do {
-        if (TakeLine(Held())) return;
-    } while (Refill());
+    while (!TakeLine(Held()) && Refill()) {
+    }
+}
+
+void CResultText::BeginNoting() {
+    if (m_bNoting) return;
+    m_bNoting = true;
+    m_uRecordAt = 0;
+    m_uBadHit = std::numeric_limits<std::uint64_t>::max();
+    m_vBadEnds.clear();
+}
+
+void CResultText::NoteBadHit(std::uint64_t position) {
+    BeginNoting();
+    m_uBadHit = m_uRecordAt + position;
+}
+
+void CResultText::NoteBadEnd(std::uint64_t position) {
+    BeginNoting();
+    m_vBadEnds.push_back(m_uRecordAt + position);
+}
+
+bool CResultText::IsBadList(std::uint64_t first, std::uint64_t count) const {
+    const std::uint64_t end = m_uRecordAt + first + count;
+    return end > m_uBadHit ||
+           std::find(m_vBadEnds.begin(), m_vBadEnds.end(), end) != m_vBadEnds.end();
+}
+
+void CResultText::CountRecord() {
+    std::size_t length = 0;  // of the token
+    for (const char* c = m_pRecord; c != m_pNext && length <= kLinePiece; ++c) {
+        if (is_blank(*c)) {
+            length = 0;
+        } else if (++length == 1) {
+            ++m_uRecordAt;
+        }
+    }
+    // Tokens that are cut are counted otherwise when they are read. They are given up, and so is
+    // what lies behind.
+    m_bNoting = length <= kLinePiece && (length == 0 || !AtToken()) && m_uRecordAt <= m_uBadHit;
 }
 
 bool CResultText::Token(std::string_view& token) {

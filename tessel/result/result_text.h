@@ -54,6 +54,7 @@ public:
 
     /// The next token, which begins a new record. False at the end of the file.
     bool NextRecord(std::string_view& token) {
+        if (m_bNoting && m_bInRecord) CountRecord();
         m_bInRecord = false;
         if (!AtToken() && !SkipBlanks()) return false;
         m_bInRecord = true;
@@ -113,6 +114,20 @@ public:
         return !m_bFileEnded && may_hold(m_pFile, bytes - Held());
     }
 
+    // A record whose list of hits is too long swallows the records behind it before it fails, and
+    // the next record may do the same: reading would take the square of the file's length. What a
+    // long list failed at is therefore kept, and lists that would come to it fail at once.
+    // Positions count the tokens from the first one of the current record.
+
+    /// Whether a list of so many hits is known to fail, or the fields behind it.
+    bool ListFails(std::uint64_t first, std::uint64_t count) const {
+        return m_bNoting && IsBadList(first, count);
+    }
+    /// The token at the position is no hit; a list has come to it.
+    void NoteBadHit(std::uint64_t position);
+    /// The fields behind a list that ends before the position cannot be read.
+    void NoteBadEnd(std::uint64_t position);
+
     /// Reading stopped at an error of the file, not at its end.
     bool Failed() const { return std::ferror(m_pFile) != 0; }
 
@@ -148,6 +163,11 @@ private:
     bool AnyNumber(unsigned& value);
     bool AnyHit(PRO_INFO& hit);
 
+    bool IsBadList(std::uint64_t first, std::uint64_t count) const;
+    void BeginNoting();
+    // Passes the tokens of the current record, which ends at the present place.
+    void CountRecord();
+
     bool AtToken() const { return m_pNext != m_pEnd && !is_blank(*m_pNext); }
     bool SkipBlanks();
     // Goes behind the next line feed, but at most `limit` characters on. True behind a line feed.
@@ -165,6 +185,12 @@ private:
     bool m_bFileEnded = false;
     std::uint64_t m_uLine = 1;  // of the next character
     std::uint64_t m_uRecordLine = 1;
+
+    // Lists that are known to fail, by positions that count from where noting began.
+    bool m_bNoting = false;
+    std::uint64_t m_uRecordAt = 0;  // position of the current record
+    std::uint64_t m_uBadHit = 0;
+    std::vector<std::uint64_t> m_vBadEnds;
 };
 
 /// The tokens of a stream that others read, too: it is left right behind the last token.
@@ -200,6 +226,11 @@ public:
 
     /// Whether so many bytes may follow.
     bool MayHold(std::uint64_t bytes) const { return may_hold(m_pFile, bytes); }
+
+    // One record alone is read from a stream: nothing is to be learnt from its failure.
+    static bool ListFails(std::uint64_t, std::uint64_t) { return false; }
+    static void NoteBadHit(std::uint64_t) {}
+    static void NoteBadEnd(std::uint64_t) {}
 
 private:
     std::FILE* m_pFile;

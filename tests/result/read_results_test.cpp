@@ -952,5 +952,63 @@ TEST(result_text, hit_counts_beyond_the_file_are_refused_at_once) {
               std::string::npos);
 }
 
+// Eleven tokens a line that serve as the front of a record and as hits alike: every record has as
+// many hits as bring it to the end of the file, or `missing` fewer.
+std::string swallowing_lines(int number, int missing) {
+    std::string text = head("t");
+    for (int i = 1; i <= number; ++i) {
+        for (int k = 0; k < 6; ++k)
+            text += "1;1;A;B ";
+        for (int k = 0; k < 4; ++k)
+            text += "0;1;A;B ";
+        text += std::to_string(11 * (number - i) + 11 - missing) + ";1;A;B\n";
+    }
+    return text;
+}
+
+TEST(read_results_time, records_that_swallow_all_others_take_no_square_of_the_length) {
+    const test::CTempFolder folder;
+    // The hits end behind the file, at its end, and so near it that fields behind them are missing.
+    for (const int missing : {0, 11, 14, 24}) {
+        constexpr int kLines = 20000;
+        const std::string path = folder.Write("hostile", swallowing_lines(kLines, missing));
+        CCondition condition;
+        const auto start = std::chrono::steady_clock::now();
+        const std::string output =
+            test::captured_output([&] { condition._LoadResult(path, 10, 1.0); });
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << missing;
+        EXPECT_NE(output.find("Malformed records dropped: 20000, the first on line 3"),
+                  std::string::npos)
+            << output.substr(0, 300);
+    }
+}
+
+TEST(read_results_time, lists_that_cannot_be_read_do_not_hide_those_that_can) {
+    // Each of 300 records fails at the "x" behind them, whose line begins one that is complete; a
+    // second such part follows, with lists that end before its "x".
+    const test::CTempFolder folder;
+    const std::string last = "x CCK 1 1 1 1 " + kPlainRest + "\n";
+    std::string text = swallowing_lines(300, 0) + last;
+    for (int i = 0; i < 300; ++i)
+        text += "1 AAK 1 1 1 1 0 0 0 0 2 1;1;A;B 2;1;A;B 0 1 2 3 4 5 1 2 3 4 5 6 7 8\n";
+    text += "1 GGK 1 1 1 1 0 0 0 0 200";
+    for (int i = 0; i < 200; ++i)
+        text += ' ' + std::to_string(i) + ";1;A;B";
+    text +=
+        " 0 1 2 3 4 5 1 2 3 4 5 6 7 8\n" + swallowing_lines(200, 0).substr(head("t").size()) + last;
+    CCondition condition;
+    const std::string output = test::captured_output(
+        [&] { condition._LoadResult(folder.Write("hostile", text), 1000, kInfinity); });
+    EXPECT_NE(output.find("Malformed records dropped: 500, the first on line 3 "),
+              std::string::npos)
+        << output;
+    const auto& peps = condition.m_mapPSMRes.at("t").m_vPeps;
+    ASSERT_EQ(peps.size(), 303u);
+    EXPECT_EQ(peps[0].m_strSeq, "CCK");
+    EXPECT_EQ(peps[1].m_setProteins.size(), 2u);
+    EXPECT_EQ(peps[301].m_setProteins.size(), 200u);
+    EXPECT_EQ(peps[302].m_strSeq, "CCK");
+}
+
 }  // namespace
 }  // namespace tessel
