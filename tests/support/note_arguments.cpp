@@ -1,17 +1,38 @@
-// Stands in for other programs: notes its arguments, one a line, in the file that the environment
-// names, and ends with the status that it names.
+// Stands in for other programs, by the environment that the tests give it: waits TESSEL_TEST_DELAY
+// milliseconds, opens the file TESSEL_TEST_HOLD, notes its arguments, one a line, in the file
+// TESSEL_TEST_ARGUMENTS, holds the file open until the notes are removed, and ends with the status
+// TESSEL_TEST_STATUS. What is not set is left out.
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
+#include "tessel/platform/process.h"
 #include "tests/support/system.h"
 #include "tests/support/temp_folder.h"
 
+namespace {
+
+int number_of(const char* name) {
+    const char* text = std::getenv(name);
+    return text == nullptr ? 0 : std::atoi(text);
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    tessel::sleep_milliseconds(number_of("TESSEL_TEST_DELAY"));
+    std::ifstream held;
+    const char* path = std::getenv("TESSEL_TEST_HOLD");
+    if (path != nullptr) held.open(path);
+
     std::string notes;
     for (const std::string& argument : tessel::test::program_arguments(argc, argv))
         notes += argument + '\n';
-    tessel::test::write_file(std::getenv("TESSEL_TEST_ARGUMENTS"), notes);
-    const char* status = std::getenv("TESSEL_TEST_STATUS");
-    return status == nullptr ? 0 : std::atoi(status);
+    const char* const notesPath = std::getenv("TESSEL_TEST_ARGUMENTS");
+    tessel::test::write_file(notesPath, notes);
+    for (int i = 0; held.is_open() && i < 3000 && std::filesystem::exists(notesPath); ++i)
+        tessel::sleep_milliseconds(10);
+    return number_of("TESSEL_TEST_STATUS");
 }

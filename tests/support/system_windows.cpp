@@ -1,5 +1,4 @@
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #define PSAPI_VERSION 2  // in the system's main library
 #include "tests/support/system.h"
 

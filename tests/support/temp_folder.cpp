@@ -52,8 +52,12 @@ std::string temporary_path(const std::string& name) {
     return (fs::temp_directory_path() / (path + '_' + name)).string();
 }
 
+fs::path path_of(const std::string& path) {
+    return std::u8string(path.begin(), path.end());
+}
+
 std::string read_file(const std::string& path) {
-    std::ifstream file(fs::path(path), std::ios::binary);
+    std::ifstream file(path_of(path), std::ios::binary);
     if (!file) throw std::runtime_error("cannot read " + path);
     std::ostringstream bytes;
     bytes << file.rdbuf();
@@ -61,7 +65,7 @@ std::string read_file(const std::string& path) {
 }
 
 void write_file(const std::string& path, const std::string& bytes) {
-    std::ofstream file(fs::path(path), std::ios::binary | std::ios::trunc);
+    std::ofstream file(path_of(path), std::ios::binary | std::ios::trunc);
     file << bytes << std::flush;
     if (!file) throw std::runtime_error("cannot write " + path);
 }
@@ -71,7 +75,8 @@ std::string source_path(const std::string& path) {
 }
 
 void set_file_age(const std::string& path, int secondsAgo) {
-    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+    fs::last_write_time(path_of(path),
+                        fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
 }
 
 CTempFolder::CTempFolder() : m_strPath(temporary_path(std::to_string(next_folder_number()))) {
@@ -92,7 +97,7 @@ std::string CTempFolder::Write(const std::string& name, const std::string& bytes
 }
 
 bool CTempFolder::Has(const std::string& name) const {
-    return fs::exists(Path(name));
+    return fs::exists(path_of(Path(name)));
 }
 
 CWorkingFolder::CWorkingFolder(const std::string& path) : m_strBefore(fs::current_path().string()) {

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace tessel::test {
+
+/// The path of a UTF-8 text, which the library takes for one on every system.
+std::filesystem::path path_of(const std::string& path);
 
 std::string read_file(const std::string& path);
 void write_file(const std::string& path, const std::string& bytes);
