@@ -13,31 +13,36 @@
 #include "tessel/condition/condition.h"
 #include "tessel/platform/console.h"
 #include "tests/support/captured.h"
+#include "tests/windows/pseudo_console.h"
 
 namespace tessel {
 namespace {
 
-// A console whose active output is a fresh screen buffer, also of this process.
-class console : public testing::Test {
-protected:
-    console() : m_bAllocated(AllocConsole() != 0), m_hBefore(GetStdHandle(STD_OUTPUT_HANDLE)) {
-        m_hScreen = CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                              CONSOLE_TEXTMODE_BUFFER, nullptr);
+// A screen buffer that is this process's standard output.
+class CScreen {
+public:
+    CScreen()
+        : m_hBefore(GetStdHandle(STD_OUTPUT_HANDLE)),
+          m_hScreen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                              CONSOLE_TEXTMODE_BUFFER, nullptr)) {
+        EXPECT_NE(m_hScreen, INVALID_HANDLE_VALUE);
         SetStdHandle(STD_OUTPUT_HANDLE, m_hScreen);
     }
-    ~console() override {
+    ~CScreen() {
         SetStdHandle(STD_OUTPUT_HANDLE, m_hBefore);
         CloseHandle(m_hScreen);
-        if (m_bAllocated) FreeConsole();
     }
+    CScreen(const CScreen&) = delete;
+    CScreen& operator=(const CScreen&) = delete;
 
     WORD Attribute() const {
         CONSOLE_SCREEN_BUFFER_INFO info{};
         EXPECT_NE(GetConsoleScreenBufferInfo(m_hScreen, &info), 0);
         return info.wAttributes;
     }
+    void SetAttribute(WORD attribute) const { SetConsoleTextAttribute(m_hScreen, attribute); }
 
-    bool m_bAllocated;
+private:
     HANDLE m_hBefore;
     HANDLE m_hScreen;
 };
@@ -73,20 +78,19 @@ private:
     std::streambuf* m_pBefore;
 };
 
-TEST_F(console, attribute_is_that_of_the_colour) {
-    ASSERT_NE(m_hScreen, INVALID_HANDLE_VALUE);
-    for (const auto& [colour, attribute] :
-         {std::pair(CONSOLE_COLOUR::GREEN, WORD{10}), std::pair(CONSOLE_COLOUR::RED, WORD{12}),
-          std::pair(CONSOLE_COLOUR::NORMAL, WORD{7})}) {
-        set_console_colour(colour);
-        EXPECT_EQ(Attribute(), attribute);
-    }
+TEST(console, attribute_is_that_of_the_colour) {
+    test::in_console([] {
+        const CScreen screen;
+        for (const auto& [colour, attribute] :
+             {std::pair(CONSOLE_COLOUR::GREEN, WORD{10}), std::pair(CONSOLE_COLOUR::RED, WORD{12}),
+              std::pair(CONSOLE_COLOUR::NORMAL, WORD{7})}) {
+            set_console_colour(colour);
+            EXPECT_EQ(screen.Attribute(), attribute);
+        }
+    });
 }
 
-TEST_F(console, warnings_are_bright_green_and_alerts_bright_red) {
-    ASSERT_NE(m_hScreen, INVALID_HANDLE_VALUE);
-    CCondition condition;
-    condition.m_eLogType = LOG_DEBUG;
+TEST(console, warnings_are_bright_green_and_alerts_bright_red) {
     const struct {
         LOG_TYPE type;
         const char* text;
@@ -95,24 +99,31 @@ TEST_F(console, warnings_are_bright_green_and_alerts_bright_red) {
                 {LOG_DEBUG, "[Tessel] DEBUG: text\n", 7},
                 {LOG_WARNING, "[Tessel] WARNING: text\n", 10},
                 {LOG_ALERT, "[Tessel] ALERT: text\n", 12}};
-    for (const auto& row : rows) {
-        set_console_colour(CONSOLE_COLOUR::NORMAL);
-        CNotingBuffer noted([this] { return Attribute(); });
-        condition.Message("text", row.type);
-        EXPECT_EQ(noted.m_strText, row.text);
-        EXPECT_EQ(noted.m_vAttributes, std::vector<WORD>{row.attribute}) << row.text;
-        EXPECT_EQ(Attribute(), 7) << row.text;
-    }
+    test::in_console([&rows] {
+        const CScreen screen;
+        CCondition condition;
+        condition.m_eLogType = LOG_DEBUG;
+        for (const auto& row : rows) {
+            screen.SetAttribute(7);
+            CNotingBuffer noted([&screen] { return screen.Attribute(); });
+            condition.Message("text", row.type);
+            EXPECT_EQ(noted.m_strText, row.text);
+            EXPECT_EQ(noted.m_vAttributes, std::vector<WORD>{row.attribute}) << row.text;
+            EXPECT_EQ(screen.Attribute(), 7) << row.text;
+        }
+    });
 }
 
-TEST_F(console, messages_that_are_not_shown_change_no_colour) {
-    ASSERT_NE(m_hScreen, INVALID_HANDLE_VALUE);
-    SetConsoleTextAttribute(m_hScreen, 5);
-    CCondition condition;
-    condition.m_eLogType = LOG_SILENT;
-    condition.Message("text", LOG_WARNING);
-    condition.Message("text", LOG_SILENT);
-    EXPECT_EQ(Attribute(), 5);
+TEST(console, messages_that_are_not_shown_change_no_colour) {
+    test::in_console([] {
+        const CScreen screen;
+        screen.SetAttribute(5);
+        CCondition condition;
+        condition.m_eLogType = LOG_SILENT;
+        condition.Message("text", LOG_WARNING);
+        condition.Message("text", LOG_SILENT);
+        EXPECT_EQ(screen.Attribute(), 5);
+    });
 }
 
 // Standard output is a file here.
