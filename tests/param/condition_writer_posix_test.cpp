@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tessel/condition/condition.h"
 #include "tests/param/version_line.h"
 
 namespace tessel {
