@@ -20,6 +20,7 @@ public:
     explicit CTimeZone(const char* zone) {
         if (const char* before = std::getenv("TZ")) m_strBefore = before;
         test::set_environment("TZ", zone);
+        tzset();
     }
     ~CTimeZone() {
         if (m_strBefore.empty()) {

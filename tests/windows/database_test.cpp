@@ -34,7 +34,7 @@ protected:
         test::set_environment("TESSEL_TEST_HOLD", Target());
         System("\"\" \"" + std::filesystem::path(NOTE_ARGUMENTS).make_preferred().string() + '"',
                true);
-        for (int i = 0; i < 500 && !m_cFolder.Has("reading"); ++i)
+        for (int i = 0; i < 3000 && !m_cFolder.Has("reading"); ++i)
             TSleep(20);
     }
 };
@@ -50,7 +50,7 @@ TEST_F(used_database, that_another_process_reads_is_not_replaced_and_nothing_is_
     // Without the reader it is.
     EXPECT_TRUE(remove_file(m_cFolder.Path("reading")));
     const std::string kept = m_cFolder.Path("kept");
-    for (int i = 0; i < 500 && !rename_file(Target(), kept); ++i)
+    for (int i = 0; i < 3000 && !rename_file(Target(), kept); ++i)
         TSleep(20);
     ASSERT_TRUE(rename_file(kept, Target()));
     m_cCondition.SetFastaPath();
