@@ -54,7 +54,7 @@ def written_files(build, suffix, emulator, source, folder):
     run(folder, emulator, program("examples/closed_search"), "ecoli.param")
     run(folder, emulator, program("examples/labels"), "labels.param")
     run(folder, emulator, program("examples/mgf_to_zb2"), "ecoli.mgf", "ecoli.zb2")
-    run(folder, emulator, program("tests/rewrite_parameters"), "ecoli.param", "rewritten.param")
+    run(folder, emulator, program("examples/rewrite_parameters"), "ecoli.param", "rewritten.param")
     files = {str(path.relative_to(folder)): path.read_bytes()
              for path in folder.rglob("*") if path.is_file()}
     head, _ = files["rewritten.param"].split(b"[Version Info]\n")
