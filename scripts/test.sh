@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the tests need, lints, builds everything and runs all tests: optimised, and with the
-# address and undefined-behaviour sanitizers. Also compiles the library with clang and tries the Debian packages.
+# address and undefined-behaviour sanitizers. Also compiles the library with clang and tries the Debian
+# packages. Windows has scripts/test-windows.sh.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
