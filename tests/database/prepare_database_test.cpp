@@ -294,6 +294,13 @@ TEST_F(prepare_database, database_in_the_working_folder_needs_no_folder_name) {
     EXPECT_EQ(FilesInFolder(), 2U);
 }
 
+// Windows lets nobody open a file at the moment at which another process replaces it.
+std::string read_patiently(const std::string& path) {
+    for (int attempt = 0; attempt < 100 && !open_file(path, "rb"); ++attempt)
+        TSleep(10);
+    return test::read_file(path);
+}
+
 // Whoever is ready finds a complete database, however far the others are.
 TEST_F(prepare_database, conditions_may_prepare_one_database_at_once) {
     m_cFolder.Write("db.fasta", large_database(3000));
@@ -309,7 +316,7 @@ TEST_F(prepare_database, conditions_may_prepare_one_database_at_once) {
                 CCondition condition;
                 condition.m_strFastaPath = m_cCondition.m_strFastaPath;
                 condition.SetFastaPath();
-                complete += test::read_file(condition.m_strInputFastaPath) == expected ? 1 : 0;
+                complete += read_patiently(condition.m_strInputFastaPath) == expected ? 1 : 0;
             });
         }
         for (std::thread& thread : threads)
