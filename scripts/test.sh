@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
 # Installs what the tests need, lints, builds everything and runs all tests: optimised, and with the
-# address and undefined-behaviour sanitizers. Also compiles the library with clang and for Windows, and
-# tries the Debian packages.
+# address and undefined-behaviour sanitizers. Also compiles the library with clang and tries the Debian
+# packages. Windows has scripts/test-windows.sh.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install_packages.sh g++ cmake ninja-build libgtest-dev python3 clang clang-format-14 \
-    g++-mingw-w64-x86-64-posix pkgconf snakemake
+    pkgconf snakemake
 
 echo "== Lint =="
 scripts/lint.sh
 
 scripts/install_german_locale.sh
 
-for preset in clang windows; do
+for preset in clang; do
     echo "== Build: $preset =="
     cmake --preset "$preset" >/dev/null
     cmake --build --preset "$preset" -- --quiet

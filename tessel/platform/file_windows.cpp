@@ -14,12 +14,25 @@ namespace {
 
 constexpr std::size_t kPlainPathLimit = 240;  // MAX_PATH less room for a file name's ending
 
-std::wstring widened(const std::string& text, UINT codePage, DWORD flags) {
+std::wstring widened(const std::string& text, UINT codePage, DWORD flags = 0) {
     const int size = static_cast<int>(text.size());
     const int length = MultiByteToWideChar(codePage, flags, text.data(), size, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(std::max(length, 0)), L'\0');
     MultiByteToWideChar(codePage, flags, text.data(), size, wide.data(), length);
     return wide;
+}
+
+std::string narrowed(const std::wstring& wide, UINT codePage) {
+    const int size = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(codePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    WideCharToMultiByte(codePage, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+    return text;
+}
+
+UINT code_page_of(const std::string& text) {
+    return text.empty() || !widened(text, CP_UTF8, MB_ERR_INVALID_CHARS).empty() ? CP_UTF8 : CP_ACP;
 }
 
 std::wstring full_path(const std::wstring& path) {
@@ -29,12 +42,10 @@ std::wstring full_path(const std::wstring& path) {
     return full;
 }
 
-std::wstring with_long_prefix(const std::wstring& path) {
-    const std::wstring full = full_path(path);
-    if (full.empty()) return path;
-    if (full.rfind(L"\\\\?\\", 0) == 0) return full;
-    if (full.rfind(L"\\\\", 0) == 0) return L"\\\\?\\UNC" + full.substr(1);
-    return L"\\\\?\\" + full;
+std::wstring with_long_prefix(const std::wstring& fullPath) {
+    if (fullPath.starts_with(L"\\\\?\\")) return fullPath;
+    if (fullPath.starts_with(L"\\\\")) return L"\\\\?\\UNC" + fullPath.substr(1);
+    return L"\\\\?\\" + fullPath;
 }
 
 // A folder text may end in a separator; the status calls refuse that, except for a root.
@@ -68,22 +79,19 @@ std::optional<BY_HANDLE_FILE_INFORMATION> file_identity(const std::string& path)
 }  // namespace
 
 std::wstring wide_text(const std::string& text) {
-    std::wstring wide = widened(text, CP_UTF8, MB_ERR_INVALID_CHARS);
-    return wide.empty() ? widened(text, CP_ACP, 0) : wide;
+    return widened(text, code_page_of(text));
 }
 
 std::wstring wide_path(const std::string& path) {
     const std::wstring wide = wide_text(path);
-    return wide.size() < kPlainPathLimit ? wide : with_long_prefix(wide);
+    const std::wstring full =
+        full_path(wide);  // a short text may stand below a long working folder
+    if (full.size() >= kPlainPathLimit) return with_long_prefix(full);
+    return wide.size() < kPlainPathLimit ? wide : full;
 }
 
 std::string narrow_text(const std::wstring& wide) {
-    const int size = static_cast<int>(wide.size());
-    const int length =
-        WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
-    return text;
+    return narrowed(wide, CP_UTF8);
 }
 
 std::string host_path(std::string_view path) {
@@ -103,6 +111,7 @@ std::optional<FILE_STATUS> file_status(const std::string& path) {
     if (GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &data) == 0) return std::nullopt;
     FILE_STATUS status;
     status.m_bFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    if (!status.m_bFolder && host_path(path).ends_with('\\')) return std::nullopt;
     status.m_uSize = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
     status.m_bRegular = !status.m_bFolder;  // devices have no attributes
     const std::int64_t ticks = ticks_of(data.ftLastWriteTime);
@@ -147,13 +156,15 @@ bool rename_file(const std::string& from, const std::string& to) {
 }
 
 std::optional<std::vector<std::string>> folder_entries(const std::string& path) {
+    if (path.empty()) return std::nullopt;
     WIN32_FIND_DATAW data;
+    const UINT codePage = code_page_of(path);  // the names are to be joined to the path
     const std::string pattern = without_last_separator(host_path(path)) + "\\*";
     const HANDLE search = FindFirstFileW(wide_path(pattern).c_str(), &data);
     if (search == INVALID_HANDLE_VALUE) return std::nullopt;
     std::vector<std::string> names;
     do {
-        std::string name = narrow_text(data.cFileName);
+        std::string name = narrowed(data.cFileName, codePage);
         if (name != "." && name != "..") names.push_back(std::move(name));
     } while (FindNextFileW(search, &data) != 0);
     FindClose(search);

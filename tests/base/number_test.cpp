@@ -117,7 +117,7 @@ TEST(number, doubles_overflow_to_infinity_and_underflow_to_0) {
     EXPECT_EQ(to_double("0." + std::string(400, '0') + "1e400"), 0.1);
 }
 
-TEST(number, random_texts_read_as_strtod_and_strtol_read_them) {
+TEST(number, random_texts_read_as_strtod_and_strtoll_read_them) {
     std::mt19937 random(20140307);
     const std::string_view letters = "0123456789012345678901234567890123456789..ee+- ";
     for (int round = 0; round < 200000; ++round) {
@@ -135,7 +135,7 @@ TEST(number, random_texts_read_as_strtod_and_strtol_read_them) {
             ASSERT_EQ(value, expected) << text;
             ASSERT_EQ(read - text.data(), end - text.c_str()) << text;
         }
-        const long integer = std::strtol(text.c_str(), &end, 10);
+        const long long integer = std::strtoll(text.c_str(), &end, 10);
         std::int64_t wide = 0;
         const char* readInteger = read_integer(text.data(), text.data() + text.size(), wide);
         ASSERT_EQ(readInteger == nullptr, end == text.c_str()) << text;

@@ -1,7 +1,6 @@
 #include "tessel/database/fasta_loader.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "tessel/condition/condition.h"
+#include "tests/support/system.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -233,6 +233,7 @@ TEST_F(fasta_loader, room_is_reserved_for_the_entries_a_batch_can_hold) {
 
 #if !defined(__SANITIZE_ADDRESS__)  // which needs the whole address space
 TEST_F(fasta_loader, room_that_cannot_be_had_is_done_without) {
+    if (!test::kMemoryCanBeLimited) GTEST_SKIP() << "no limit of address space on this system";
     // Three million entries may follow the first, whose residues end the batch at once.
     const std::size_t entries = 3'000'000;
     std::string text = ">P\n" + std::string(entries, 'A') + '\n';
@@ -242,9 +243,7 @@ TEST_F(fasta_loader, room_that_cannot_be_had_is_done_without) {
     text = std::string();
     EXPECT_EXIT(
         {
-            rlimit limit;
-            limit.rlim_cur = limit.rlim_max = 200'000'000;
-            setrlimit(RLIMIT_AS, &limit);
+            test::limit_memory(200'000'000);
             const bool more = loader.ReadNextBatch();
             std::exit(more && loader.m_vProteins.size() == 1 ? 0 : 1);
         },

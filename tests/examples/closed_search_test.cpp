@@ -128,7 +128,8 @@ TEST(closed_search, table_and_path_of_the_result_end_the_output) {
     EXPECT_EQ(lines[lines.size() - 3], "         1                 1                       1");
     EXPECT_EQ(lines[lines.size() - 2],
               "No decoy is among the matches, so the FDR is not estimated.");
-    EXPECT_EQ(lines[lines.size() - 1], "results/out.final.txt");
+    EXPECT_EQ(lines[lines.size() - 1],
+              (std::filesystem::path("results") / "out.final.txt").string());
     EXPECT_EQ(ended.m_strErrors, "");
 }
 

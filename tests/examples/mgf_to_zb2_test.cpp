@@ -1,7 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdlib>
 
 #include "tessel/condition/condition.h"
 #include "tessel/spectra/mgf_input.h"
@@ -17,9 +14,8 @@ const std::string kSample = test::source_path("examples/ecoli/ecoli.mgf");
 
 // The exit status of the program.
 int run_tool(const std::string& arguments) {
-    const std::string command = "\"" MGF_TO_ZB2 "\" " + arguments + " 2> /dev/null";
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    const test::CTempFolder folder;
+    return test::run_program(MGF_TO_ZB2, arguments, folder.Path());
 }
 
 std::vector<CSpectrum> spectra_of(CInput& reader, const std::string& path) {

@@ -3,10 +3,12 @@
 #include "tests/examples/search_run.h"
 #include "tests/support/classic.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
+
+#include "tests/support/captured.h"
+#include "tests/support/system.h"
 
 namespace tessel::test {
 
@@ -156,11 +158,8 @@ ENDED CSearchRun::Run(const std::string& program) const {
 }
 
 ENDED CSearchRun::RunWith(const std::string& words, const std::string& program) const {
-    const std::string command = "cd '" + m_cFolder.Path() + "' && '" + program + "' " + words +
-                                " >output.txt 2>errors.txt; echo $? >status.txt";
-    if (std::system(command.c_str()) != 0) throw std::runtime_error("no shell for " + command);
-    return {std::stoi(read_file(m_cFolder.Path() + "/status.txt")), m_cFolder.Read("output.txt"),
-            m_cFolder.Read("errors.txt")};
+    return {run_program(program, words, m_cFolder.Path()),
+            stream_text(m_cFolder.Read("output.txt")), stream_text(m_cFolder.Read("errors.txt"))};
 }
 
 std::vector<RESULT_BLOCK> CSearchRun::Search() const {

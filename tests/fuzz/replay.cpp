@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
     }
     LLVMFuzzerInitialize(&argc, &argv);
     for (const auto& file : files) {
-        std::printf("%s\n", file.filename().c_str());
+        std::printf("%s\n", file.filename().string().c_str());
         std::fflush(stdout);
         const std::vector<std::uint8_t> bytes = bytes_of(file);
         const std::size_t step = 1 + bytes.size() / kCuts;

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tessel/platform/file.h"
 #include "tests/param/parameter_file.h"
 #include "tests/support/captured.h"
 
@@ -728,8 +729,8 @@ TEST(condition_reader, folder_entry_in_capital_letters_is_skipped) {
 }
 
 TEST(condition_reader, folder_entries_come_in_byte_order) {
-    EXPECT_EQ(found_in_folder("MGF", {"b.mgf", "a.mgf", "B.mgf", "a1.mgf", "\xC3\xA4.mgf"}),
-              (NAMES{"B.mgf", "a.mgf", "a1.mgf", "b.mgf", "\xC3\xA4.mgf"}));
+    EXPECT_EQ(found_in_folder("MGF", {"b.mgf", "a.mgf", "C.mgf", "a1.mgf", "\xC3\xA4.mgf"}),
+              (NAMES{"C.mgf", "a.mgf", "a1.mgf", "b.mgf", "\xC3\xA4.mgf"}));
 }
 
 TEST(condition_reader, type_of_a_folder_is_lowered_in_ascii_only) {
@@ -737,6 +738,9 @@ TEST(condition_reader, type_of_a_folder_is_lowered_in_ascii_only) {
 }
 
 TEST(condition_reader, empty_type_takes_folder_entries_that_end_with_a_full_stop) {
+    const test::CTempFolder folder;
+    folder.Write("a.", "");
+    if (folder_entries(folder.Path()) != NAMES{"a."}) GTEST_SKIP() << "no such names here";
     EXPECT_EQ(found_in_folder("", {"a.", "b.mgf", "c"}), NAMES{"a."});
 }
 

@@ -438,15 +438,6 @@ TEST_F(merge_files, failed_write_is_an_alert_and_every_input_stays) {
     }
 }
 
-TEST_F(merge_files, input_that_cannot_be_removed_is_a_warning) {
-    // Only the kernel removes this one.
-    const std::string path = "/proc/self/comm";
-    if (!std::filesystem::exists(path)) GTEST_SKIP() << "no such file on this system";
-    EXPECT_FALSE(Merge({path}, m_cFolder.Path("merged"), true));
-    EXPECT_EQ(m_strOutput, "[Tessel] WARNING: Cannot remove the merged file: " + path + "\n");
-    EXPECT_EQ(m_cFolder.Read("merged"), test::read_file(path));
-}
-
 TEST_F(merge_files, backslashes_separate_folders) {
     std::filesystem::create_directory(m_cFolder.Path("sub"));
     m_cFolder.Write("sub/one", "1");

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +13,7 @@
 
 #include "tessel/condition/condition.h"
 #include "tests/support/captured.h"
+#include "tests/support/system.h"
 
 namespace tessel {
 namespace {
@@ -586,12 +586,11 @@ TEST_F(mod_combinations, number_beyond_64_bits_ends_the_process) {
 
 #if !defined(__SANITIZE_ADDRESS__)  // which needs the whole address space
 TEST_F(mod_combinations, more_than_the_address_space_may_hold_ends_the_process) {
+    if (!test::kMemoryCanBeLimited) GTEST_SKIP() << "no limit of address space on this system";
     Prepare(many_mods(2), many_mods(1000));
     EXPECT_ENDS_PROCESS(
         {
-            rlimit limit;
-            limit.rlim_cur = limit.rlim_max = 300'000'000;
-            setrlimit(RLIMIT_AS, &limit);
+            test::limit_memory(300'000'000);
             m_cCondition.GenerateModComb();
         },
         "[Tessel] ALERT: Not enough memory for 5015010 modification combinations, "

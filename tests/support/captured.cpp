@@ -4,16 +4,19 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "tests/support/system.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel::test {
 
-// The name is the same in a child that starts the program anew.
-CEndedProcess::CEndedProcess(int line) {
-    const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
-    const std::string name = std::string("tessel_ended_") + test->test_suite_name() + '_' +
-                             test->name() + '_' + std::to_string(line);
-    m_strBase = (std::filesystem::temp_directory_path() / name).string();
+int run_program(const std::string& program, const std::string& words, const std::string& folder) {
+    std::filesystem::path path = std::filesystem::absolute(program);
+    const CWorkingFolder here(folder);
+    return shell_status('"' + path.make_preferred().string() + "\" " + words +
+                        " >output.txt 2>errors.txt");
+}
+
+CEndedProcess::CEndedProcess(int line) : m_strBase(temporary_path(std::to_string(line))) {
 }
 
 CEndedProcess::~CEndedProcess() {

@@ -1,18 +1,63 @@
 #include "tests/support/temp_folder.h"
 
-#include <atomic>
+#include <gtest/gtest.h>
+
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "tessel/platform/process.h"
+#include "tests/support/system.h"
 
 namespace tessel::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The source tree by its full path, on a system with drives too; the working folder may change.
+const fs::path kSourceFolder = fs::absolute(TESSEL_SOURCE_FOLDER);
+
+// The number of the process that runs the tests. A child that starts the program anew learns it
+// from the environment, so that both mean the same files.
+const std::string& run_number() {
+    static const std::string number = [] {
+        constexpr const char* kName = "TESSEL_TEST_RUN";
+        if (const char* inherited = std::getenv(kName)) return std::string(inherited);
+        const std::string own = std::to_string(process_id());
+        set_environment(kName, own);
+        return own;
+    }();
+    return number;
+}
+
+// Counts the folders of the present test, for a child runs that test alone.
+int next_folder_number() {
+    static const testing::TestInfo* counted = nullptr;
+    static int number = 0;
+    const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
+    if (test != counted) number = 0;
+    counted = test;
+    return ++number;
+}
+
+}  // namespace
+
+std::string temporary_path(const std::string& name) {
+    const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string path = "tessel_test_" + run_number();
+    if (test != nullptr) path += std::string("_") + test->test_suite_name() + '_' + test->name();
+    return (fs::temp_directory_path() / (path + '_' + name)).string();
+}
+
+fs::path path_of(const std::string& path) {
+    return std::u8string(path.begin(), path.end());
+}
 
 std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(path_of(path), std::ios::binary);
     if (!file) throw std::runtime_error("cannot read " + path);
     std::ostringstream bytes;
     bytes << file.rdbuf();
@@ -20,33 +65,30 @@ std::string read_file(const std::string& path) {
 }
 
 void write_file(const std::string& path, const std::string& bytes) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    std::ofstream file(path_of(path), std::ios::binary | std::ios::trunc);
     file << bytes << std::flush;
     if (!file) throw std::runtime_error("cannot write " + path);
 }
 
 std::string source_path(const std::string& path) {
-    return TESSEL_SOURCE_FOLDER "/" + path;
+    return (kSourceFolder / path).string();
 }
 
 void set_file_age(const std::string& path, int secondsAgo) {
-    std::filesystem::last_write_time(
-        path, std::filesystem::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+    fs::last_write_time(path_of(path),
+                        fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
 }
 
-CTempFolder::CTempFolder() {
-    static std::atomic<int> number{0};
-    const std::string name =
-        "tessel_test_" + std::to_string(process_id()) + '_' + std::to_string(++number);
-    const auto path = std::filesystem::temp_directory_path() / name;
-    std::filesystem::remove_all(path);
-    std::filesystem::create_directories(path);
-    m_strPath = path.string();
+CTempFolder::CTempFolder() : m_strPath(temporary_path(std::to_string(next_folder_number()))) {
+    // In a child, the folder itself may be the working folder of its parent.
+    std::error_code inUse;
+    fs::remove_all(m_strPath, inUse);
+    fs::create_directories(m_strPath);
 }
 
 CTempFolder::~CTempFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(m_strPath, ignored);
+    fs::remove_all(m_strPath, ignored);
 }
 
 std::string CTempFolder::Write(const std::string& name, const std::string& bytes) const {
@@ -55,17 +97,16 @@ std::string CTempFolder::Write(const std::string& name, const std::string& bytes
 }
 
 bool CTempFolder::Has(const std::string& name) const {
-    return std::filesystem::exists(Path(name));
+    return fs::exists(path_of(Path(name)));
 }
 
-CWorkingFolder::CWorkingFolder(const std::string& path)
-    : m_strBefore(std::filesystem::current_path().string()) {
-    std::filesystem::current_path(path);
+CWorkingFolder::CWorkingFolder(const std::string& path) : m_strBefore(fs::current_path().string()) {
+    fs::current_path(path);
 }
 
 CWorkingFolder::~CWorkingFolder() {
     std::error_code ignored;
-    std::filesystem::current_path(m_strBefore, ignored);
+    fs::current_path(m_strBefore, ignored);
 }
 
 }  // namespace tessel::test

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 namespace tessel::test {
+
+/// The path of a UTF-8 text, which the library takes for one on every system.
+std::filesystem::path path_of(const std::string& path);
 
 std::string read_file(const std::string& path);
 void write_file(const std::string& path, const std::string& bytes);
@@ -12,6 +16,10 @@ std::string source_path(const std::string& path);
 
 /// Moves a file's modification time by some seconds from now.
 void set_file_age(const std::string& path, int secondsAgo);
+
+/// A path in the system's folder of temporary files that belongs to the present test, and is the
+/// same in a child process that the test starts.
+std::string temporary_path(const std::string& name);
 
 /// A fresh folder of the test's own, removed with everything in it at the end.
 class CTempFolder {

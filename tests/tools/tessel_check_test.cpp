@@ -169,7 +169,7 @@ TEST(tessel_check, spectra_of_a_folder_are_those_of_the_type) {
     parameters.replace(parameters.find("spectra.mgf"), 11, "spectra");
     run.m_cFolder.Write("run.param", parameters);
     EXPECT_EQ(above_notes(run.Check()), std::vector<std::string>());
-    fs::rename(run.m_cFolder.Path("spectra/a.mgf"), run.m_cFolder.Path("spectra/a.MGF"));
+    fs::rename(run.m_cFolder.Path("spectra/a.mgf"), run.m_cFolder.Path("spectra/b.MGF"));
     EXPECT_EQ(above_notes(run.Check()),
               std::vector<std::string>{"warning no-spectra run.param 34"});
 }

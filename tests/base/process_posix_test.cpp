@@ -1,0 +1,40 @@
+// Commands through the shell of a POSIX system.
+
+#include "tessel/platform/process.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "tessel/condition/utilities.h"
+#include "tests/support/captured.h"
+#include "tests/support/temp_folder.h"
+
+namespace tessel {
+namespace {
+
+TEST(process_posix, quoted_path_has_no_active_character) {
+    const test::CTempFolder folder;
+    const test::CWorkingFolder here(folder.Path());
+    const std::string hostile = "a b$HOME`echo x`\"\\;&'x";
+    ASSERT_TRUE(run_command("printf '%s' " + quoted_path(hostile) + " > result"));
+    EXPECT_EQ(folder.Read("result"), hostile);
+}
+
+TEST(process_posix, background_command_runs_without_being_waited_for) {
+    const test::CTempFolder folder;
+    const test::CWorkingFolder here(folder.Path());
+    const auto start = std::chrono::steady_clock::now();
+    System("sleep 1 && echo done> result", true);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
+    for (int i = 0; i < 500 && !folder.Has("result"); ++i)
+        TSleep(20);
+    EXPECT_TRUE(folder.Has("result"));
+}
+
+TEST(process_posix, failing_command_of_one_word_is_named_whole) {
+    EXPECT_ENDS_PROCESS(System("false", false), "", "The Program is exited when called false\n");
+}
+
+}  // namespace
+}  // namespace tessel
