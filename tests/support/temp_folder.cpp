@@ -17,8 +17,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The source tree by its full path, on a system with drives too; the working folder may change.
-const fs::path kSourceFolder = fs::absolute(TESSEL_SOURCE_FOLDER);
+// The source tree by its full path, on a system with drives too; the working folder may change
+// later. Tests ask for it before main(), too.
+const fs::path& source_folder() {
+    static const fs::path kFolder = fs::absolute(TESSEL_SOURCE_FOLDER);
+    return kFolder;
+}
+[[maybe_unused]] const fs::path& kFromTheStart = source_folder();
 
 // The number of the process that runs the tests. A child that starts the program anew learns it
 // from the environment, so that both mean the same files.
@@ -71,7 +76,7 @@ void write_file(const std::string& path, const std::string& bytes) {
 }
 
 std::string source_path(const std::string& path) {
-    return (kSourceFolder / path).string();
+    return (source_folder() / path).string();
 }
 
 void set_file_age(const std::string& path, int secondsAgo) {
