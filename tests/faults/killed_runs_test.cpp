@@ -101,9 +101,9 @@ TEST(killed_runs, database_is_whole_or_not_there) {
     EXPECT_GT(unfinished, 0);
     std::printf("killed %d, of these unfinished %d\n", killed, unfinished);
 
-    // What they left goes away with the first run of the next day.
-    const auto left = std::distance(fs::directory_iterator(folder.Path()), {}) - 2;
-    EXPECT_GT(left, 0);
+    // What they left goes away with the first run of the next day. They may all have been killed
+    // before they had begun to write, so one more file of the kind is left here.
+    folder.Write("db.fasta_td.fasta.1.2.tmp", ">P1");
     for (const auto& entry : fs::directory_iterator(folder.Path()))
         test::set_file_age(entry.path().string(), 24 * 60 * 60 + 10);
     test::set_file_age(path, 0);
