@@ -6,6 +6,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/install_packages.sh g++ cmake ninja-build libgtest-dev python3 gcovr
+scripts/install_german_locale.sh
 
 cmake --preset coverage >/dev/null
 cmake --build --preset coverage -- --quiet

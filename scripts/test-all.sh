@@ -16,7 +16,7 @@ test_variant() {
     cmake --build "$folder" -- --quiet
     ctest --test-dir "$folder" --output-on-failure --parallel "$(nproc)" --quiet \
         --output-log "$folder/ctest.log" || { cat "$folder/ctest.log"; exit 1; }
-    tail -n 5 "$folder/ctest.log"
+    sed -n '/tests passed,/,$p' "$folder/ctest.log"
 }
 
 test_variant debug dev

@@ -33,4 +33,4 @@ cmake --preset windows >/dev/null
 cmake --build --preset windows -- --quiet
 ctest --preset windows --parallel "$(nproc)" --quiet --output-log build/windows/ctest.log ||
     { cat build/windows/ctest.log; exit 1; }
-tail -n 5 build/windows/ctest.log
+sed -n '/tests passed,/,$p' build/windows/ctest.log

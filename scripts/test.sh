@@ -28,7 +28,7 @@ for preset in release sanitize; do
     cmake --build --preset "$preset" -- --quiet
     ctest --preset "$preset" --parallel "$(nproc)" --quiet --output-log "build/$preset/ctest.log" ||
         { cat "build/$preset/ctest.log"; exit 1; }
-    tail -n 5 "build/$preset/ctest.log"
+    sed -n '/tests passed,/,$p' "build/$preset/ctest.log"
 done
 
 echo "== Build and test: thread =="
