@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <new>
 #include <streambuf>
 #include <string_view>
 
@@ -36,6 +37,7 @@ public:
     void Take(std::size_t size) { (m_pBuffer->*&GET_AREA::gbump)(static_cast<int>(size)); }
 
     bool Failed() const { return m_bFailed; }
+    void SetFailed() { m_bFailed = true; }
     /// As the stream would be left by reading on line by line.
     std::ios::iostate State() {
         if (m_bFailed) return std::ios::badbit | std::ios::failbit;
@@ -161,13 +163,18 @@ bool CFastaParser::ReadOnePrteinEntry(CProtein& protein, std::ifstream& stream) 
     }
     CHeldText held(stream);
     std::string_view header;
-    const bool found = read_header(stream, held, m_strLine, header);
-    if (found) {
-        split_header(header, protein);
-        // Collected apart: the protein then takes no more memory than its sequence needs.
-        m_strSequence.clear();
-        read_sequence(held, m_strSequence);
-        protein.m_strSQ = m_strSequence;
+    bool found = false;
+    try {
+        found = read_header(stream, held, m_strLine, header);
+        if (found) {
+            split_header(header, protein);
+            // Collected apart: the protein then takes no more memory than its sequence needs.
+            m_strSequence.clear();
+            read_sequence(held, m_strSequence);
+            protein.m_strSQ = m_strSequence;
+        }
+    } catch (const std::bad_alloc&) {
+        held.SetFailed();  // an entry that memory cannot hold is one that cannot be read
     }
     stream.setstate(held.State());
     if (!held.Failed()) return found;
