@@ -13,11 +13,9 @@ scripts/lint.sh
 
 scripts/install_german_locale.sh
 
-for preset in clang; do
-    echo "== Build: $preset =="
-    cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset" -- --quiet
-done
+echo "== Build: clang =="
+cmake --preset clang >/dev/null
+cmake --build --preset clang -- --quiet
 
 echo "== Documentation =="
 scripts/docs.sh

@@ -13,9 +13,10 @@ Every fault is printed on a line of its own. The exit status is 0 when there is 
 is any and 2 when a file cannot be read.
 """
 
-import pathlib
 import re
 import sys
+
+from check_report import report
 
 FILE_NAME = re.compile(r"[\w./-]+/[\w.-]+\.(?:h|cpp|py|sh|md|cmake|txt|baseline)")
 
@@ -63,17 +64,5 @@ def check(root):
             yield f"{path.relative_to(root)}: not there: {fault}"
 
 
-def main():
-    root = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2]
-    try:
-        faults = list(check(root))
-    except OSError as error:
-        print(error, file=sys.stderr)
-        return 2
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(check))

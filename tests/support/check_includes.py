@@ -8,9 +8,10 @@ printed on a line of its own. The exit status is 0 when there is none, 1 when th
 2 when a file cannot be read.
 """
 
-import pathlib
 import re
 import sys
+
+from check_report import report
 
 PLATFORM, BASE, RECORD, DETAIL, CONDITION, SOURCE, PARAM, ALL = (
     "platform/", "base/", "record header", "internal header of a subject", "condition.h",
@@ -97,17 +98,5 @@ def check(root):
             yield "headers in a circle: " + " -> ".join(cycle)
 
 
-def main():
-    root = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2]
-    try:
-        faults = list(check(root))
-    except (OSError, KeyError) as error:
-        print(error, file=sys.stderr)
-        return 2
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(check))

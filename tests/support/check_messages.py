@@ -18,9 +18,10 @@ A row of the catalogue gives a text with <...> for what varies; what stands betw
 """
 
 import collections
-import pathlib
 import re
 import sys
+
+from check_report import report
 
 STRING = r'"(?:[^"\\\n]|\\.)*"'
 LITERAL = re.compile(STRING + r"(?:\s*" + STRING + ")*")
@@ -164,17 +165,5 @@ def check(root):
     return faults
 
 
-def main():
-    root = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2]
-    try:
-        faults = check(root)
-    except OSError as error:
-        print(error, file=sys.stderr)
-        return 2
-    for fault in faults:
-        print(fault)
-    return 1 if faults else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(check))
