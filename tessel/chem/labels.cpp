@@ -68,13 +68,6 @@ bool has_groups(const std::string& composition) {
     return found;
 }
 
-// From one residue to another, such as "Ala->Ser[A]". A table of a label holds these only where the
-// label changes them.
-bool is_conversion(const CMod& mod) {
-    const std::string& name = mod.m_strName;
-    return name.size() == 11 && name.compare(3, 2, "->") == 0 && has_groups(mod.m_strComposition);
-}
-
 // The composition in this label; empty when the label does not name the modification.
 WEIGHED relabelled(const CMod& mod, const std::map<std::string, Replacements>& labels,
                    ElementMasses& masses) {
@@ -84,6 +77,11 @@ WEIGHED relabelled(const CMod& mod, const std::map<std::string, Replacements>& l
 }
 
 }  // namespace
+
+bool is_conversion(const CMod& mod) {
+    const std::string& name = mod.m_strName;
+    return name.size() == 11 && name.compare(3, 2, "->") == 0 && has_groups(mod.m_strComposition);
+}
 
 void CCondition::ParseQuantMethod() {
     std::string_view names(m_strQuant);

@@ -26,8 +26,6 @@ constexpr std::size_t kMaxShifts = 10'000'000;
 constexpr double kShiftStep = 0.01;
 // A lighter residue is an undefined one.
 constexpr double kLightestResidue = 0.01;
-// What the codes of the extended alphabet can tell apart.
-constexpr std::size_t kExtendedCodes = 256;
 // Common enough to be considered by every open search.
 constexpr const char* kCommonMods =
     "Oxidation[M];Deamidated[N];Acetyl[ProteinN-term];Gln->pyro-Glu[AnyN-termQ];"

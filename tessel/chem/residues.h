@@ -6,12 +6,16 @@
 #include <string_view>
 
 #include "tessel/chem/alphabet.h"
+#include "tessel/chem/mod.h"
 
 namespace tessel {
 
 // What reading the residues and relabelling have in common.
 
 inline const std::string kAnyResidue = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+
+/// What the codes of the extended alphabet can tell apart.
+inline constexpr std::size_t kExtendedCodes = 256;
 
 using ElementMasses = std::map<std::string, double>;
 /// Element symbol to the symbol that is counted in its place.
@@ -34,6 +38,10 @@ WEIGHED weigh(std::string_view composition, ElementMasses& masses,
 /// record. A missing file has no records.
 void read_residues(const std::string& path,
                    const std::function<void(char letter, std::string_view composition)>& take);
+
+/// Whether a modification turns one residue into another, such as "Ala->Ser[A]". A table of a label
+/// holds these only where the label changes them.
+bool is_conversion(const CMod& mod);
 
 /// Makes the weighed composition that of a letter from 'A' to 'Z'.
 void define_residue(CAlphaBet& alphabet, char letter, const WEIGHED& weighed);

@@ -23,7 +23,6 @@ namespace tessel {
 namespace {
 
 constexpr int kMaxTagLength = 6;
-constexpr std::size_t kManyThreads = 100;
 
 // The keys of one section as the kinds of value that the condition holds.
 class CSection {

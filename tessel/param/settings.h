@@ -28,6 +28,9 @@ struct VALUE_RANGE {
     int m_nIfAbove = 0;
 };
 
+/// More threads than this are taken with a warning.
+inline constexpr std::size_t kManyThreads = 100;
+
 struct SETTING {
     std::string_view m_strSection;
     const char* m_szKey;

@@ -14,6 +14,9 @@ inline constexpr std::size_t kCombinationGroups = 3;
 /// Selected modifications of a combination.
 inline constexpr unsigned char kMaxSelectedMods = 3;
 
+/// Combinations of more bytes than this are made with a warning.
+inline constexpr std::uint64_t kLargeSize = std::uint64_t{1} << 30;
+
 /// What the enumeration of combinations will make. Beyond 64 bits the figures stay at their largest
 /// value.
 struct COMBINATION_COUNT {

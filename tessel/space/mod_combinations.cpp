@@ -19,8 +19,6 @@
 namespace tessel {
 namespace {
 
-constexpr std::uint64_t kLargeSize = std::uint64_t{1} << 30;  // bytes
-
 // Room for all combinations. False when there is not enough memory; without asking first, it might
 // be promised and then not be there.
 bool reserve_groups(std::vector<std::vector<CModCombInfo>>& groups,

@@ -36,6 +36,11 @@ inline double protonated_mass(double mz, int charge) {
     return protons * mz - (protons - 1.0) * kProtonMass;
 }
 
+/// Whether a precursor of this MH+, Da, is searched; NaN is not.
+inline bool is_plausible(double protonatedMass) {
+    return protonatedMass >= 0.0 && protonatedMass <= 20000.0;
+}
+
 /// Appends one number of a generated title and its dot; titles show numbers as signed 32-bit ones.
 inline void append_title_number(std::string& title, std::uint64_t number) {
     append_integer(title, static_cast<std::int32_t>(number));

@@ -4,15 +4,13 @@
 #include <algorithm>
 
 #include "tessel/condition/condition.h"
+#include "tessel/spectra/entries.h"
 #include "tessel/spectra/mgf_input.h"
 #include "tessel/spectra/zb_input.h"
 #include "tessel/spectra/zbs_input.h"
 
 namespace tessel {
 namespace {
-
-constexpr double kMinMass = 0.0;  // MH+ of a plausible precursor, Da
-constexpr double kMaxMass = 20000.0;
 
 std::unique_ptr<CInput> make_reader(const std::string& type) {
     if (type == "MGF") return std::make_unique<CMGFInput>();
@@ -21,9 +19,8 @@ std::unique_ptr<CInput> make_reader(const std::string& type) {
 }
 
 void drop_implausible(std::vector<CSpectrum>& spectra) {
-    std::erase_if(spectra, [](const CSpectrum& spectrum) {
-        return !(spectrum.m_lfMH >= kMinMass && spectrum.m_lfMH <= kMaxMass);  // NaN goes, too
-    });
+    std::erase_if(spectra,
+                  [](const CSpectrum& spectrum) { return !is_plausible(spectrum.m_lfMH); });
 }
 
 struct MASS_RANGE {

@@ -11,14 +11,10 @@
 #include "tessel/base/text.h"
 #include "tessel/platform/file.h"
 #include "tessel/spectra/entries.h"
+#include "tessel/spectra/mgf_keys.h"
 
 namespace tessel {
 namespace {
-
-// Where the values begin, whatever the key is spelt like.
-constexpr std::size_t kTitleAt = 6;   // TITLE=
-constexpr std::size_t kChargeAt = 7;  // CHARGE=
-constexpr std::size_t kMzAt = 8;      // PEPMASS=
 
 bool skip_to_block(CLineReader& lines) {
     return lines.SkipThrough("BEGIN");

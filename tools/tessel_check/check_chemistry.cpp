@@ -22,7 +22,6 @@ namespace {
 
 constexpr double kMassTolerance = 0.001;  // Da
 constexpr std::string_view kStandardResidues = "ACDEFGHIKLMNPQRSTVWY";
-constexpr std::size_t kExtendedCodes = 256;
 
 // ---- Fields ----
 
@@ -528,16 +527,11 @@ void check_selection(const CParameterFile& file, CKnownKey key, CCondition& cond
     }
 }
 
-// A conversion of one residue into another is in no label's tables unless the label changes it.
-bool is_conversion(const std::string& name) {
-    return name.size() == 11 && name.compare(3, 2, "->") == 0;
-}
-
 void check_conversions(const CParameterFile& file, const CCondition& condition, CReport& report) {
     if (!asks_for_labels(condition)) return;
     std::set<std::string> dropped;
     for (const CMod* mod : condition.m_vSelMods) {
-        if (is_conversion(mod->m_strName)) dropped.insert(mod->m_strName);
+        if (is_conversion(*mod)) dropped.insert(mod->m_strName);
     }
     for (const std::string& name : dropped) {
         const bool fixed = condition.m_strFixMod.find(name) != std::string::npos;

@@ -326,7 +326,7 @@ void check_words(const CParameterFile& file, const CCondition& condition, CRepor
                        in_quotes(type) + " is no type of spectrum file; it is read as ZB2",
                        "Write MGF, ZB2 or ZBS, in capitals.");
     }
-    if (condition.m_tThreadNum > 100) {
+    if (condition.m_tThreadNum > kManyThreads) {
         report.Warning("many-threads", file.PlaceOf(*CKnownKey("thread")),
                        "more than 100 threads are asked for, and started",
                        "Write the number of the machine's cores.");

@@ -9,8 +9,6 @@
 namespace tessel::check {
 namespace {
 
-constexpr std::uint64_t kLargeSize = std::uint64_t{1} << 30;  // bytes
-
 std::string size_text(std::uint64_t bytes) {
     constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
     return bytes < kMebibyte ? joined_text(bytes, " bytes")

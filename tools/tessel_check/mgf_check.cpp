@@ -10,6 +10,7 @@
 #include "tessel/base/number.h"
 #include "tessel/base/text.h"
 #include "tessel/spectra/entries.h"
+#include "tessel/spectra/mgf_keys.h"
 #include "tools/tessel_check/names.h"
 #include "tools/tessel_check/progress.h"
 #include "tools/tessel_check/spectrum_summary.h"
@@ -147,9 +148,6 @@ private:
                      ": only the first letter of a key counts",
                  "Remove the line from the block.");
         }
-        constexpr std::size_t kTitleAt = 6;
-        constexpr std::size_t kChargeAt = 7;
-        constexpr std::size_t kMzAt = 8;
         if (line.front() == 'C') {
             ReadCharge(text_from(line, kChargeAt), line.starts_with("CHARGE="));
         } else if (line.front() == 'P') {

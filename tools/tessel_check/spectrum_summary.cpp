@@ -6,12 +6,12 @@
 #include <functional>
 
 #include "tessel/base/message_text.h"
+#include "tessel/spectra/entries.h"
 #include "tools/tessel_check/names.h"
 
 namespace tessel::check {
 namespace {
 
-constexpr double kMaxMass = 20000.0;  // MH+ of a plausible precursor, Da
 constexpr std::size_t kMostCharges = 12;
 
 }  // namespace
@@ -27,7 +27,7 @@ void CSpectrumSummary::Add(const CSpectrum& spectrum, const PLACE& place, bool p
             "Give every spectrum a title of its own.");
     }
     const double mass = spectrum.m_lfMH;
-    if (!(mass >= 0.0 && mass <= kMaxMass)) {
+    if (!is_plausible(mass)) {
         ++m_tDropped;
         if (precursorIsWrong) return;
         m_cReport.Warning("dropped-spectrum", place,
