@@ -76,6 +76,48 @@ std::optional<BY_HANDLE_FILE_INFORMATION> file_identity(const std::string& path)
     return identity;
 }
 
+// ---- Files that others hold ----
+
+// An engine that replaces a file, or a scanner that looks at what is new, holds it for a moment.
+constexpr int kFurtherTries = 20;
+constexpr DWORD kPause = 10;  // milliseconds
+
+bool is_shared_wrongly(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+// Tries the operation until it succeeds or fails for a reason that will not pass.
+template <typename Operation, typename MayPass>
+bool with_patience(Operation operation, MayPass mayPass) {
+    bool done = operation();
+    for (int i = 0; i < kFurtherTries && !done && mayPass(); ++i) {
+        Sleep(kPause);
+        done = operation();
+    }
+    return done;
+}
+
+// Renaming and removing are denied while a reader has the file.
+bool changing_may_pass() {
+    const DWORD error = GetLastError();
+    return is_shared_wrongly(error) || error == ERROR_ACCESS_DENIED;
+}
+
+// Opening is denied for good for folders and for want of rights; for a moment where the name is of
+// a file that is being removed, of which nothing can be said.
+template <typename Open>
+bool open_with_patience(const std::string& path, Open open) {
+    const std::wstring widePath = wide_path(host_path(path));
+    return with_patience(
+        [&] { return open(widePath.c_str()); },
+        [&] {
+            const DWORD error = _doserrno;  // where streams leave the system's code
+            return is_shared_wrongly(error) ||
+                   (error == ERROR_ACCESS_DENIED &&
+                    GetFileAttributesW(widePath.c_str()) == INVALID_FILE_ATTRIBUTES);
+        });
+}
+
 }  // namespace
 
 std::wstring wide_text(const std::string& text) {
@@ -131,13 +173,20 @@ bool same_file(const std::string& a, const std::string& b) {
 
 FilePtr open_file(const std::string& path, const char* mode) {
     const std::wstring wideMode(mode, mode + std::char_traits<char>::length(mode));
-    return FilePtr(_wfopen(wide_path(host_path(path)).c_str(), wideMode.c_str()));
+    FilePtr file;
+    open_with_patience(path, [&](const wchar_t* widePath) {
+        file.reset(_wfopen(widePath, wideMode.c_str()));
+        return file != nullptr;
+    });
+    return file;
 }
 
 bool open_stream(std::ifstream& stream, const std::string& path) {
-    stream.clear();
-    stream.open(wide_path(host_path(path)).c_str(), std::ios::in | std::ios::binary);
-    return stream.is_open();
+    return open_with_patience(path, [&](const wchar_t* widePath) {
+        stream.clear();
+        stream.open(widePath, std::ios::in | std::ios::binary);
+        return stream.is_open();
+    });
 }
 
 std::uint64_t bytes_left(std::FILE* file) {
@@ -147,12 +196,16 @@ std::uint64_t bytes_left(std::FILE* file) {
 }
 
 bool remove_file(const std::string& path) {
-    return DeleteFileW(wide_path(host_path(path)).c_str()) != 0;
+    const std::wstring widePath = wide_path(host_path(path));
+    return with_patience([&] { return DeleteFileW(widePath.c_str()) != 0; }, changing_may_pass);
 }
 
 bool rename_file(const std::string& from, const std::string& to) {
-    return MoveFileExW(wide_path(host_path(from)).c_str(), wide_path(host_path(to)).c_str(),
-                       MOVEFILE_REPLACE_EXISTING) != 0;
+    const std::wstring source = wide_path(host_path(from));
+    const std::wstring target = wide_path(host_path(to));
+    return with_patience(
+        [&] { return MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) != 0; },
+        changing_may_pass);
 }
 
 std::optional<std::vector<std::string>> folder_entries(const std::string& path) {
@@ -167,7 +220,9 @@ std::optional<std::vector<std::string>> folder_entries(const std::string& path) 
         std::string name = narrowed(data.cFileName, codePage);
         if (name != "." && name != "..") names.push_back(std::move(name));
     } while (FindNextFileW(search, &data) != 0);
+    const bool whole = GetLastError() == ERROR_NO_MORE_FILES;
     FindClose(search);
+    if (!whole) return std::nullopt;
     std::sort(names.begin(), names.end());
     return names;
 }

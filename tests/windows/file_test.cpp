@@ -7,7 +7,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "tessel/condition/condition.h"
 #include "tessel/platform/wide_path.h"
@@ -186,6 +188,74 @@ TEST(windows_files, lines_of_windows_are_read_and_single_line_feeds_written) {
 }
 
 // ---- Sharing ----
+
+// Holds a file for itself alone, as one does that replaces or examines it.
+class CHolder {
+public:
+    explicit CHolder(const std::string& path)
+        : m_hFile(CreateFileW(wide_path(host_path(path)).c_str(), GENERIC_READ, 0, nullptr,
+                              OPEN_EXISTING, 0, nullptr)) {}
+    bool Holds() const { return m_hFile != INVALID_HANDLE_VALUE; }
+    void EndAfter(DWORD milliseconds) {
+        m_cEnd = std::thread([this, milliseconds] {
+            Sleep(milliseconds);
+            CloseHandle(m_hFile);
+        });
+    }
+    ~CHolder() {
+        if (m_cEnd.joinable())
+            m_cEnd.join();
+        else
+            CloseHandle(m_hFile);
+    }
+
+private:
+    HANDLE m_hFile;
+    std::thread m_cEnd;
+};
+
+TEST(windows_files, file_that_another_holds_for_a_moment_is_waited_for) {
+    const test::CTempFolder folder;
+    const std::string path = folder.Write("a", "old");
+    const auto held_for_a_moment = [&](auto operation) {
+        CHolder holder(path);
+        ASSERT_TRUE(holder.Holds());
+        holder.EndAfter(60);
+        operation();
+    };
+    held_for_a_moment([&] { EXPECT_NE(open_file(path, "rb"), nullptr); });
+    std::ifstream stream;
+    held_for_a_moment([&] { EXPECT_TRUE(open_stream(stream, path)); });
+    stream.close();
+    const std::string source = folder.Write("b", "new");
+    held_for_a_moment([&] { EXPECT_TRUE(rename_file(source, path)); });
+    EXPECT_EQ(folder.Read("a"), "new");
+    held_for_a_moment([&] { EXPECT_TRUE(remove_file(path)); });
+    EXPECT_FALSE(folder.Has("a"));
+}
+
+TEST(windows_files, file_that_another_keeps_is_given_up) {
+    const test::CTempFolder folder;
+    const std::string path = folder.Write("a", "old");
+    const std::string source = folder.Write("b", "new");
+    const CHolder holder(path);
+    ASSERT_TRUE(holder.Holds());
+    EXPECT_EQ(open_file(path, "rb"), nullptr);
+    std::ifstream stream;
+    EXPECT_FALSE(open_stream(stream, path));
+    EXPECT_FALSE(rename_file(source, path));
+    EXPECT_FALSE(remove_file(path));
+    EXPECT_EQ(folder.Read("b"), "new");
+}
+
+TEST(windows_files, folder_is_no_file_that_is_waited_for) {
+    const test::CTempFolder folder;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(open_file(folder.Path(), "rb"), nullptr);
+    std::ifstream stream;
+    EXPECT_FALSE(open_stream(stream, folder.Path()));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(150));
+}
 
 TEST(windows_files, input_that_another_reader_holds_is_merged_and_stays_with_a_warning) {
     const test::CTempFolder folder;
