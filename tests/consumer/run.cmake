@@ -1,6 +1,6 @@
 # One way of using the library, as a user would, with main.cpp of this folder as the program.
 # Arguments: WAY, BUILD_FOLDER, SOURCE_FOLDER (the whole tree), WORK_FOLDER, GENERATOR, COMPILER,
-# LINK_FLAGS.
+# LINK_FLAGS; for another system also TOOLCHAIN (a file), EMULATOR and SUFFIX (of programs).
 set(installed ${WORK_FOLDER}/moved)
 set(work ${WORK_FOLDER}/${WAY})
 set(consumer_folder ${SOURCE_FOLDER}/tests/consumer)
@@ -21,10 +21,19 @@ function(run)
     endif()
 endfunction()
 
+if(TOOLCHAIN)
+    set(compiler_options -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
+else()
+    set(compiler_options -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS})
+endif()
+
 function(configure_and_build source)
-    run(${CMAKE_COMMAND} -S ${source} -B ${work}/build -G ${GENERATOR}
-        -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS} ${ARGN})
+    run(${CMAKE_COMMAND} -S ${source} -B ${work}/build -G ${GENERATOR} ${compiler_options} ${ARGN})
     run(${CMAKE_COMMAND} --build ${work}/build)
+endfunction()
+
+function(run_consumer folder)
+    run(${EMULATOR} ${work}/build/consumer${SUFFIX} FOLDER ${folder})
 endfunction()
 
 # The files below a folder, relative to it, must be these.
@@ -55,12 +64,11 @@ endfunction()
 function(use_find_package)
     configure_and_build(${consumer_folder}/found -DCMAKE_PREFIX_PATH=${installed}
         -DTESSEL_INCLUDE_FOLDER=${installed}/include)
-    run(${work}/build/consumer FOLDER ${installed}/share/tessel)
+    run_consumer(${installed}/share/tessel)
 
     # The examples that are installed can be built where they lie.
     run(${CMAKE_COMMAND} -S ${installed}/share/doc/tessel/examples -B ${work}/examples
-        -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_EXE_LINKER_FLAGS=${LINK_FLAGS}
-        -DCMAKE_PREFIX_PATH=${installed})
+        -G ${GENERATOR} ${compiler_options} -DCMAKE_PREFIX_PATH=${installed})
     run(${CMAKE_COMMAND} --build ${work}/examples --target list_combinations)
 endfunction()
 
@@ -90,7 +98,7 @@ endfunction()
 function(use_add_subdirectory)
     configure_and_build(${consumer_folder}/nested -DTESSEL_FOLDER=${SOURCE_FOLDER}
         -DEXPECTED_TYPE=STATIC_LIBRARY)
-    run(${work}/build/consumer FOLDER ${SOURCE_FOLDER}/data)
+    run_consumer(${SOURCE_FOLDER}/data)
     run(${CMAKE_COMMAND} --install ${work}/build --prefix ${work}/installed)
     expect_files(${work}/installed bin/consumer)
 endfunction()
@@ -99,7 +107,7 @@ endfunction()
 function(use_fetch_content)
     configure_and_build(${consumer_folder}/nested -DTESSEL_FOLDER=${SOURCE_FOLDER} -DFETCH=ON
         -DTESSEL_INSTALL=ON -DBUILD_SHARED_LIBS=ON -DEXPECTED_TYPE=SHARED_LIBRARY)
-    run(${work}/build/consumer FOLDER ${SOURCE_FOLDER}/data)
+    run_consumer(${SOURCE_FOLDER}/data)
     run(${CMAKE_COMMAND} --install ${work}/build --prefix ${work}/installed)
     file(GLOB_RECURSE library ${work}/installed/*/libtessel.so.0.1.0)
     if(NOT library OR NOT EXISTS ${work}/installed/include/tessel/tessel.h)
