@@ -213,42 +213,59 @@ bool has_check_of_its_own(const SETTING& setting) {
     return key == "fixmod" || key == "selectmod" || key == "log" || key == "msmstype";
 }
 
-// One value that stands in the file, against what the library makes of it. `taken` is null where
-// the library was ended before it had read the key.
-void check_value(const CParameterFile& file, const SETTING& setting, const ASSIGNMENT& line,
-                 const std::string* taken, CReport& report) {
-    const std::string& value = line.m_strValue;
-    const PLACE place = file.At(line.m_tLine);
+// How a message ends that tells what becomes of a value; `taken` is null where the library was
+// ended before it had read the key.
+std::string becomes(const std::string* taken) {
+    return taken == nullptr ? "" : "; " + *taken + " is taken";
+}
+
+void check_empty_value(const SETTING& setting, const PLACE& place, const std::string* taken,
+                       CReport& report) {
+    if (setting.m_szMissing[0] == '\0') return;
+    report.Warning("empty-value", place,
+                   in_quotes(setting.m_szKey) + " has no value" + becomes(taken),
+                   joined_text("Write a value, or remove the line for ", setting.m_szMissing, "."));
+}
+
+void check_text(const SETTING& setting, const PLACE& place, const std::string& value,
+                CReport& report) {
+    if (trimmed(value) == value || has_check_of_its_own(setting)) return;
+    report.Warning(
+        "blanks-in-value", place,
+        in_quotes(setting.m_szKey) + " has blanks at the ends of its value, which are a part of it",
+        "Remove the blanks.");
+}
+
+void check_number(const SETTING& setting, const PLACE& place, const std::string& value,
+                  const std::string* taken, CReport& report) {
     const std::string key = in_quotes(setting.m_szKey);
-    const std::string becomes = taken == nullptr ? "" : "; " + *taken + " is taken";
-    if (value.empty()) {
-        if (setting.m_szMissing[0] == '\0') return;
-        report.Warning(
-            "empty-value", place, key + " has no value" + becomes,
-            joined_text("Write a value, or remove the line for ", setting.m_szMissing, "."));
-        return;
-    }
-    if (!is_number_kind(setting.m_eKind)) {
-        if (trimmed(value) == value || has_check_of_its_own(setting)) return;
-        report.Warning("blanks-in-value", place,
-                       key + " has blanks at the ends of its value, which are a part of it",
-                       "Remove the blanks.");
-        return;
-    }
     const char* const end = number_end(setting, value);
     if (end == nullptr) {
-        report.Warning("not-a-number", place,
-                       key + " is not the number it has to be: " + in_quotes(value) + becomes,
-                       range_text(setting));
+        report.Warning(
+            "not-a-number", place,
+            key + " is not the number it has to be: " + in_quotes(value) + becomes(taken),
+            range_text(setting));
     } else if (!trimmed(value.substr(static_cast<std::size_t>(end - value.data()))).empty()) {
         report.Warning("trailing-text", place,
                        key + " is read as " + number_behind_blanks(value, end) + " only, not as " +
-                           in_quotes(value) + becomes,
+                           in_quotes(value) + becomes(taken),
                        "Write the number alone.");
     } else if (taken != nullptr && normal_text(setting, value) != *taken) {
         report.Warning("corrected-value", place,
-                       key + " cannot be " + std::string(trimmed(value)) + becomes,
+                       key + " cannot be " + std::string(trimmed(value)) + becomes(taken),
                        range_text(setting));
+    }
+}
+
+// One value that stands in the file, against what the library makes of it.
+void check_value(const SETTING& setting, const PLACE& place, const std::string& value,
+                 const std::string* taken, CReport& report) {
+    if (value.empty()) {
+        check_empty_value(setting, place, taken, report);
+    } else if (is_number_kind(setting.m_eKind)) {
+        check_number(setting, place, value, taken, report);
+    } else {
+        check_text(setting, place, value, report);
     }
 }
 
@@ -270,7 +287,8 @@ void check_values(const CParameterFile& file, const Values& taken, CReport& repo
         const ASSIGNMENT* const line = file.Used(setting);
         if (line == nullptr) continue;
         const auto found = taken.find(setting.m_szKey);
-        check_value(file, setting, *line, found == taken.end() ? nullptr : &found->second, report);
+        check_value(setting, file.At(line->m_tLine), line->m_strValue,
+                    found == taken.end() ? nullptr : &found->second, report);
         note_other_than_default(file, setting, *line, report);
     }
 }
