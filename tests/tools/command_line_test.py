@@ -49,21 +49,43 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(self.run_check("run.param").returncode, 2)
 
     def test_usage_is_status_3(self):
-        for arguments in ([], ["a", "b"], ["--jsn", "run.param"]):
+        for arguments in ([], ["a", "b"], ["--jsn", "run.param"], ["-x"], ["-", "run.param"]):
             ended = self.run_check(*arguments)
             self.assertEqual(ended.returncode, 3)
             self.assertEqual(ended.stdout, b"")
             self.assertIn(b"tessel-check [--json] PARAMETER_FILE", ended.stderr)
         self.assertIn(b"unknown option --jsn", self.run_check("--jsn", "run.param").stderr)
+        self.assertIn(b"unknown option -x", self.run_check("-x").stderr)
 
     def test_help_is_no_error(self):
-        ended = self.run_check("--help")
-        self.assertEqual(ended.returncode, 0)
-        self.assertIn(b"Exit status: 0 ", ended.stdout)
+        for option in ("--help", "-h"):
+            ended = self.run_check(option)
+            self.assertEqual(ended.returncode, 0)
+            self.assertIn(b"Exit status: 0 ", ended.stdout)
 
     def test_name_may_begin_with_dashes_behind_two(self):
-        os.rename(os.path.join(self.folder, "run.param"), os.path.join(self.folder, "--run"))
-        self.assertEqual(self.run_check("--", "--run").returncode, 0)
+        for name in ("--run", "-h"):
+            shutil.copy(os.path.join(self.folder, "run.param"), os.path.join(self.folder, name))
+            self.assertEqual(self.run_check("--", name).returncode, 0)
+
+    def test_what_was_found_is_told_when_memory_ends(self):
+        try:
+            import resource
+        except ImportError:
+            self.skipTest("no limit of address space on this system")
+        limit = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_AS, (400 << 20,) * 2)}
+        if self.run_check("--help", **limit).returncode != 0:
+            self.skipTest("the program needs more memory to start, as under a sanitizer")
+        path = os.path.join(self.folder, "run.param")
+        with open(path, encoding="utf-8") as file:
+            text = file.read()
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(text.replace("maxdelta=10.0", "maxdelta=49000").replace("maxmod=3",
+                                                                              "maxmod=25"))
+        ended = self.run_check("run.param", **limit)
+        self.assertEqual(ended.returncode, 2, ended.stderr)
+        self.assertIn(b'"maxmod" cannot be 25', ended.stdout)
+        self.assertRegex(ended.stdout.splitlines()[-1], rb"error: run.param: .*\[out-of-memory\]$")
 
     def test_json_is_one_document_of_the_same_findings(self):
         self.lay("mgf_title_twice")

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -82,12 +83,21 @@ std::vector<std::string> above_notes(const CReport& report) {
     return found;
 }
 
-std::vector<std::string> names_in(const std::string& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(folder))
-        names.push_back(entry.path().string());
-    std::sort(names.begin(), names.end());
-    return names;
+struct STATE {
+    std::string m_strBytes;  // none of a folder
+    fs::file_time_type m_cTime;
+
+    bool operator==(const STATE&) const = default;
+};
+
+// Everything in a folder, by name.
+std::map<std::string, STATE> state_of(const std::string& folder) {
+    std::map<std::string, STATE> states;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const std::string path = entry.path().string();
+        states[path] = {entry.is_directory() ? "" : test::read_file(path), entry.last_write_time()};
+    }
+    return states;
 }
 
 class tessel_check_fault : public testing::TestWithParam<std::string> {};
@@ -114,9 +124,14 @@ TEST(tessel_check, there_are_enough_faults) {
 
 TEST(tessel_check, nothing_is_written_to_disk) {
     const CFaultyRun run;
-    const std::vector<std::string> before = names_in(run.m_cFolder.Path());
+    // A search would make these anew.
+    const std::string stale = run.m_cFolder.Write("db.fasta_td.fasta", ">old\nAAA\n");
+    test::set_file_age(stale, 100000);
+    run.m_cFolder.Write("1.mod", "old");
+    const std::map<std::string, STATE> before = state_of(run.m_cFolder.Path());
+    ASSERT_TRUE(before.contains(stale));
     run.Check();
-    EXPECT_EQ(names_in(run.m_cFolder.Path()), before);
+    EXPECT_TRUE(state_of(run.m_cFolder.Path()) == before);
 }
 
 TEST(tessel_check, all_faults_of_a_run_are_reported) {
@@ -158,6 +173,17 @@ TEST(tessel_check, folder_as_parameter_file_is_an_error) {
     run_checks(folder.Path(), false, report);
     EXPECT_EQ(exit_status(report), 2);
     EXPECT_EQ(report.Findings().front().m_strCode, "unreadable-file");
+}
+
+TEST(tessel_check, list_that_cannot_be_read_is_not_called_empty) {
+    const std::string device = "/proc/self/mem";  // opens, but nothing is mapped at its start
+    if (!fs::exists(device)) GTEST_SKIP() << "no file that opens and cannot be read on this system";
+    const CFaultyRun run;
+    std::string parameters = run.m_cFolder.Read("run.param");
+    parameters.replace(parameters.find("spectra.mgf"), 11, device);
+    parameters.replace(parameters.find("msmstype=MGF"), 12, "msmstype=ZBS");
+    run.m_cFolder.Write("run.param", parameters);
+    EXPECT_EQ(above_notes(run.Check()), std::vector<std::string>{"error unreadable-file mem -"});
 }
 
 TEST(tessel_check, spectra_of_a_folder_are_those_of_the_type) {

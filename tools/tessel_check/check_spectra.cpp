@@ -86,7 +86,11 @@ void check_zbs(const std::string& path, std::size_t batchSize, bool progress, CR
                          joined_text("Set maxspec to at least ", entries, "."));
         }
     }
-    if (number == 0) {
+    if (!lines.IsOpen() || lines.Failed()) {
+        report.Error("unreadable-file", {path, 0},
+                     "the list cannot be read to its end; nothing is searched",
+                     "Check its permissions and its disk.");
+    } else if (number == 0) {
         report.Error("no-entries", {path, 0}, "the list is empty; nothing is searched",
                      "List one ZB2 file a line.");
     }

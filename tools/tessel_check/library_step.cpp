@@ -71,7 +71,7 @@ STEP run_step(const std::function<void()>& step) {
             result.m_bEnded = true;
         } catch (const std::runtime_error&) {
             result.m_bEnded = true;
-        }
+        }  // memory that is not to be had is no end of the step's own; it ends the check
     }
     for (std::string line; std::getline(output, line);) {
         if (const std::string_view text = warning_text(line); !text.empty()) {

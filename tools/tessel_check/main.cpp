@@ -19,8 +19,8 @@ constexpr std::string_view kHelp =
     "Reads a parameter file and the files it names as a search would, and tells what in them is\n"
     "not what it seems. Nothing is written to disk. Run it where the search is run.\n"
     "\n"
-    "  --json    one JSON document instead of one line for each finding\n"
-    "  --help    this text\n"
+    "  --json      one JSON document instead of one line for each finding\n"
+    "  -h, --help  this text\n"
     "\n"
     "Exit status: 0 nothing worse than notes, 1 warnings, 2 errors, 3 usage.\n";
 
@@ -36,13 +36,13 @@ OPTIONS read_options(int count, char** arguments) {
     bool namesOnly = false;
     for (int i = 1; i < count; ++i) {
         const std::string_view argument = arguments[i];
-        if (namesOnly || !argument.starts_with("--")) {
+        if (namesOnly || !argument.starts_with('-')) {
             options.m_vPaths.emplace_back(argument);
         } else if (argument == "--") {
             namesOnly = true;
         } else if (argument == "--json") {
             options.m_bJson = true;
-        } else if (argument == "--help") {
+        } else if (argument == "-h" || argument == "--help") {
             options.m_bHelp = true;
         } else {
             options.m_strUnknown = argument;
