@@ -87,6 +87,8 @@ def q_values(targets, decoys):
 
 def row(path, spectrum, fields, values):
     mass, charge, title, candidates = spectrum
+    # A tab in a title would shift the columns.
+    title = title.replace("\t", " ")
     score = float(fields[3])
     value = values[score] if score == float(candidates[0][3]) else NO_Q_VALUE
     behind = after_sites(fields)
@@ -113,7 +115,7 @@ def main():
     # Complete or not there at all.
     unfinished = options.output.with_name(f".{options.output.name}.{os.getpid()}")
     try:
-        results = [pathlib.Path(line) for line in options.list.read_text().splitlines()]
+        results = [pathlib.Path(line) for line in options.list.read_text().split("\n") if line]
         values = q_values(*count_matches(results))
         with open(unfinished, "w", encoding="utf-8", errors="surrogateescape",
                   newline="\n") as table:

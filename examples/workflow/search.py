@@ -10,6 +10,7 @@ import argparse
 import glob
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -18,23 +19,70 @@ import tempfile
 TABLES = ("element.ini", "aa.ini", "modification.ini", "quant.ini")
 
 
-def with_settings(text, settings):
+def lines_of(path):
+    """The lines that the library reads: without a byte-order mark and carriage returns at their ends,
+    and ended by line feeds alone."""
+    text = path.read_bytes().decode("utf-8", "surrogateescape").removeprefix("\ufeff")
+    return [line.removesuffix("\r") for line in text.removesuffix("\n").split("\n")]
+
+
+def write_lines(path, lines):
+    path.write_bytes("".join(f"{line}\n" for line in lines).encode("utf-8", "surrogateescape"))
+
+
+def section_of(line):
+    """The section that a line begins; text behind the header does not count."""
+    header = re.match(r"\[[^]]*\]", line)
+    return header[0][1:-1] if header else None
+
+
+def setting(lines, section, key, missing):
+    """The value of a key: the first one behind the header of its section."""
+    behind = False
+    for line in lines:
+        if behind and line.startswith(f"{key}="):
+            return line.partition("=")[2].rstrip("\r")
+        behind = behind or section_of(line) == section
+    return missing
+
+
+def wants_decoys(lines):
+    """Whether the user leaves it to the search to add decoys to the database."""
+    number = re.match(r"[ \t\v\f\r]*([+-]?[0-9]+)", setting(lines, "file", "auto_rev", "") or "1")
+    return number is not None and int(number[1]) != 0
+
+
+def with_settings(lines, settings):
     """A parameter file in which these settings replace those of the same keys."""
     by_section = {}
     for key, (section, value) in settings.items():
-        by_section.setdefault(f"[{section}]", []).append(f"{key}={value}")
+        by_section.setdefault(section, []).append(f"{key}={value}")
     result = []
-    for line in text.splitlines():
+    for line in lines:
         if line.partition("=")[0] not in settings:
-            result += [line] + by_section.pop(line.strip(), [])
-    for section, lines in by_section.items():
-        result += [section] + lines
-    return "\n".join(result) + "\n"
+            result += [line] + by_section.pop(section_of(line), [])
+    for section, added in by_section.items():
+        result += [f"[{section}]"] + added
+    return result
 
 
-def job_settings(options):
+def spectra_of_job(options, lines, folder):
+    """The path of the spectrum file. The paths in a ZBS list are relative to the folder in which the
+    workflow is started, so the job has a copy in which they are not."""
+    if options.prepare:
+        (folder / "none.mgf").touch()
+        return "none.mgf"
+    if setting(lines, "datalist", "msmstype", "") != "ZBS":
+        return options.spectra.resolve()
+    # Backslashes part folders for the library on every system.
+    listed = [path.replace("\\", "/") for path in lines_of(options.spectra)]
+    write_lines(folder / "spectra.zbs", [path and os.path.join(os.getcwd(), path)
+                                         for path in listed])
+    return "spectra.zbs"
+
+
+def job_settings(options, spectra):
     """What differs from job to job; everything else is the user's."""
-    spectra = options.spectra.resolve() if options.spectra else "none.mgf"
     database = options.prepare or options.database
     settings = {
         "fastapath": ("file", database.resolve() if options.database else database.name),
@@ -59,10 +107,9 @@ def run_search(options, folder):
     (folder / "out").mkdir()
     if options.prepare:
         (folder / options.prepare.name).symlink_to(options.prepare.resolve())
-        (folder / "none.mgf").touch()
-    text = options.parameters.read_text(encoding="utf-8", errors="surrogateescape")
-    (folder / "job.param").write_text(with_settings(text, job_settings(options)), encoding="utf-8",
-                                      errors="surrogateescape")
+    lines = lines_of(options.parameters)
+    settings = job_settings(options, spectra_of_job(options, lines, folder))
+    write_lines(folder / "job.param", with_settings(lines, settings))
     program = shutil.which(options.program) or options.program
     status = subprocess.run([os.path.abspath(program), "job.param"], cwd=folder, check=False)
     if status.returncode != 0:

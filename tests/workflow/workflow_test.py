@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
-"""Runs examples/workflow with the local executor on eight files made from the sample spectra.
+"""Runs examples/workflow with the local executor on eight files made from the sample spectra, and the
+parts of it on files written by hand.
 
-usage: workflow_test.py CLOSED_SEARCH
+usage: workflow_test.py CLOSED_SEARCH, beside which mgf_to_zb2 lies
 """
 
 import collections
+import os
 import pathlib
 import shutil
 import stat
@@ -18,6 +20,10 @@ WORKFLOW = SOURCE / "examples" / "workflow"
 ECOLI = SOURCE / "examples" / "ecoli"
 FILES = [f"part{number}" for number in range(1, 9)]
 PROGRAM = pathlib.Path("closed_search")  # the argument
+
+sys.dont_write_bytecode = True  # the source tree stays as it is
+sys.path.insert(0, str(WORKFLOW))
+import search  # noqa: E402
 
 # Stands in for the search: notes every start, and at the first attempt of some files writes half a
 # result and ends badly, once with the whole job.
@@ -60,10 +66,15 @@ class Workflow(unittest.TestCase):
     def write(self, name, text):
         (self.folder / name).write_text(text, encoding="ascii")
 
-    def run_workflow(self, program=None, spectra=None):
+    def change_parameters(self, before, after):
+        text = (self.folder / "ecoli.param").read_text(encoding="ascii")
+        self.assertIn(before, text)
+        self.write("ecoli.param", text.replace(before, after))
+
+    def run_workflow(self, program=None, spectra=None, workflow=WORKFLOW):
         names = spectra or [f"{name}.mgf" for name in FILES]
         return subprocess.run(
-            ["snakemake", "--snakefile", WORKFLOW / "Snakefile", "--cores", "2", "--keep-going",
+            ["snakemake", "--snakefile", workflow / "Snakefile", "--cores", "2", "--keep-going",
              "--config", f"program={program or PROGRAM}", "parameters=ecoli.param",
              "database=ecoli.fasta", f"spectra=[{','.join(names)}]", f"tables={SOURCE / 'data'}"],
             cwd=self.folder, capture_output=True, text=True, check=False)
@@ -85,8 +96,8 @@ class Workflow(unittest.TestCase):
         (folder / "results").mkdir(parents=True)
         for table in (SOURCE / "data").glob("*.ini"):
             shutil.copy(table, folder)
-        shutil.copy(ECOLI / "ecoli.fasta", folder)
-        text = (ECOLI / "ecoli.param").read_text(encoding="ascii")
+        shutil.copy(self.folder / "ecoli.fasta", folder)
+        text = (self.folder / "ecoli.param").read_text(encoding="ascii")
         paths = "\n".join(f"msmspath{number}=../{name}.mgf"
                           for number, name in enumerate(spectra, 1))
         text = text.replace("msmsnum=1", f"msmsnum={len(spectra)}")
@@ -103,7 +114,8 @@ class Workflow(unittest.TestCase):
             self.assertEqual(self.result(name), (single / f"ecoli_{number}.final.txt").read_bytes())
 
     def test_table_is_that_of_a_single_file_with_all_spectra(self):
-        self.run_workflow()
+        done = self.run_workflow()
+        self.assertEqual(done.returncode, 0, done.stderr)
         header, rows = self.table()
         self.write("all.mgf", "".join(blocks_of_spectra()))
         self.single_run(["all"])
@@ -146,6 +158,47 @@ class Workflow(unittest.TestCase):
         self.assertEqual(self.run_workflow(self.folder / "flaky").returncode, 0)
         self.assertEqual(self.starts(), {"none": 1, **{name: 1 for name in FILES}, "part3": 2,
                                          "part6": 2, "part5": 4})
+
+    def test_database_with_decoys_of_its_own_is_searched_as_it_is(self):
+        self.change_parameters("auto_rev=1", "auto_rev=0")
+        entries = (self.folder / "ecoli.fasta").read_text(encoding="ascii").split(">")[1:]
+        with open(self.folder / "ecoli.fasta", "a", encoding="ascii") as database:
+            for head, _, sequence in (entry.partition("\n") for entry in entries):
+                database.write(f">REV_{head}\n{''.join(sequence.split())[::-1]}\n")
+        done = self.run_workflow(spectra=["part1.mgf", "part2.mgf"])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertFalse((self.folder / "database").exists())
+        single = self.single_run(["part1", "part2"])
+        for number in (1, 2):
+            self.assertEqual(self.result(f"part{number}"),
+                             (single / f"ecoli_{number}.final.txt").read_bytes())
+        self.assertEqual({row[9] for row in self.table()[1]}, {"0", "1"})
+
+    def test_list_of_files_gives_the_rows_of_the_files(self):
+        (self.folder / "spectra").mkdir()
+        for name in ("part1", "spectra/part2"):
+            subprocess.run([PROGRAM.with_name("mgf_to_zb2"), f"{pathlib.Path(name).name}.mgf",
+                            f"{name}.zb2"], cwd=self.folder, check=True, capture_output=True)
+        self.change_parameters("msmstype=MGF", "msmstype=ZB2")
+        done = self.run_workflow(spectra=["part1.zb2", "spectra/part2.zb2"])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        header, rows = self.table()
+        self.assertGreater(len(rows), 100)
+        # Its paths are relative to the working folder, not to its own.
+        (self.folder / "lists").mkdir()
+        self.write("lists/both.zbs", "part1.zb2\nspectra\\part2.zb2\n")
+        self.change_parameters("msmstype=ZB2", "msmstype=ZBS")
+        done = self.run_workflow(spectra=["lists/both.zbs"])
+        self.assertEqual(done.returncode, 0, done.stderr)
+        again, rows_of_list = self.table()
+        self.assertEqual((again, sorted(rows_of_list)), (header, sorted(rows)))
+
+    def test_folder_of_the_workflow_may_have_a_blank_in_its_name(self):
+        folder = self.folder / "work flow"
+        shutil.copytree(WORKFLOW, folder)
+        done = self.run_workflow(spectra=["part1.mgf"], workflow=folder)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertGreater(len(self.table()[1]), 0)
 
     def test_two_files_of_one_name_are_refused(self):
         (self.folder / "more").mkdir()
@@ -198,6 +251,10 @@ class Collect(unittest.TestCase):
         self.assertEqual(lines, ["0.txt\ta\t2\t1000.5\t1\tPEPTIDE\t800.0\t9.5\t0\t3,Oxidation[M]\t0\t"
                                  "4;0;-;K|9;7;R;A"])
 
+    def test_tab_in_a_title_does_not_shift_the_columns(self):
+        lines, _ = self.collect(self.spectrum("a\tb\t", (9.5, 0)))
+        self.assertEqual(lines[0].split("\t")[1:4], ["a b ", "2", "1000.5"])
+
     def test_spectra_without_candidates_and_empty_files_give_no_rows(self):
         self.assertEqual(self.collect(self.spectrum("a"), "")[0], [])
 
@@ -207,6 +264,107 @@ class Collect(unittest.TestCase):
             lines, done = self.collect(text)
             self.assertEqual((lines, done.returncode), (None, 1), text)
             self.assertIn("collect.py: ", done.stderr)
+
+
+class Settings(unittest.TestCase):
+    """The parameter file of a job, from the user's."""
+
+    SETTINGS = {"fastapath": ("file", "/db"), "auto_rev": ("file", 0), "msmsnum": ("datalist", 1),
+                "msmspath1": ("datalist", "/a")}
+
+    def lines_of(self, content):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "file"
+            path.write_bytes(content)
+            return search.lines_of(path)
+
+    def settings_of(self, content):
+        return search.with_settings(self.lines_of(content), self.SETTINGS)
+
+    def test_settings_stand_behind_their_headers_and_the_users_are_gone(self):
+        self.assertEqual(
+            self.settings_of(b"[param]\nthread=1\n[file]\nauto_rev=1\nfastapath=x\n[datalist]\n"
+                             b"msmsnum=2\nmsmspath1=a\nmsmspath2=b\nmsmstype=MGF\n"),
+            # What is left of a second file is behind the number of files and never read.
+            ["[param]", "thread=1", "[file]", "fastapath=/db", "auto_rev=0", "[datalist]",
+             "msmsnum=1", "msmspath1=/a", "msmspath2=b", "msmstype=MGF"])
+
+    def test_section_that_is_missing_is_added(self):
+        self.assertEqual(self.settings_of(b"[file]\nfastapath=x\n[param]\nthread=1"),
+                         ["[file]", "fastapath=/db", "auto_rev=0", "[param]", "thread=1",
+                          "[datalist]", "msmsnum=1", "msmspath1=/a"])
+
+    def test_headers_are_those_that_the_library_sees(self):
+        self.assertEqual(self.settings_of(b" [file]\n[file] of all\n[datalist]\n[file]\n"),
+                         [" [file]", "[file] of all", "fastapath=/db", "auto_rev=0", "[datalist]",
+                          "msmsnum=1", "msmspath1=/a", "[file]"])
+
+    def test_key_in_another_section_is_replaced_too(self):
+        self.assertEqual(self.settings_of(b"[file]\nmsmsnum=3\n[datalist]\nauto_rev=1\n"),
+                         ["[file]", "fastapath=/db", "auto_rev=0", "[datalist]", "msmsnum=1",
+                          "msmspath1=/a"])
+
+    def test_byte_order_mark_and_carriage_returns_are_no_text(self):
+        self.assertEqual(self.settings_of(b"\xef\xbb\xbf[file]\r\nfastapath=x\r\n[datalist]\r\n"),
+                         ["[file]", "fastapath=/db", "auto_rev=0", "[datalist]", "msmsnum=1",
+                          "msmspath1=/a"])
+
+    def test_lines_end_at_line_feeds_alone(self):
+        for between in (b"\f", b"\xc2\x85", b"\x1c", b"\r", b"\xff"):
+            line = b"outputname=a" + between + b"fastapath=x"
+            self.assertEqual(self.lines_of(line + b"\n\n"),
+                             [line.decode("utf-8", "surrogateescape"), ""])
+
+    def test_bytes_that_are_no_text_stay(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "file"
+            path.write_bytes(b"a=\xff\xc3\xa9\f\n")
+            search.write_lines(path, search.lines_of(path))
+            self.assertEqual(path.read_bytes(), b"a=\xff\xc3\xa9\f\n")
+
+    def test_decoys_are_wanted_as_the_library_reads_it(self):
+        for text, wanted in (("[file]\nauto_rev=1", True), ("[file]\nauto_rev=0", False),
+                             ("[file]", True), ("", True), ("[file]\nauto_rev=", True),
+                             ("[file]\nauto_rev=no", False), ("[file]\nauto_rev= 0x", False),
+                             ("[file]\nauto_rev=-1", True),
+                             ("[file]\nauto_rev=0\nauto_rev=1", False),
+                             ("auto_rev=0\n[file]\nthread=1", True),
+                             ("[file]\n[engine]\nauto_rev=0", False)):
+            self.assertEqual(search.wants_decoys(text.split("\n")), wanted, text)
+
+
+class SlurmStatus(unittest.TestCase):
+    """The profile's report, with a controller and an accounting that are scripts."""
+
+    def status(self, controller, accounting="exit 1"):
+        with tempfile.TemporaryDirectory() as name:
+            for program, script in (("scontrol", controller), ("sacct", accounting)):
+                path = pathlib.Path(name) / program
+                path.write_text(f"#!/bin/sh\n{script}\n", encoding="ascii")
+                path.chmod(stat.S_IRWXU)
+            done = subprocess.run([sys.executable, WORKFLOW / "slurm" / "slurm_status.py",
+                                   "7;cluster"], capture_output=True, text=True, check=True,
+                                  env={**os.environ, "PATH": f"{name}:{os.environ['PATH']}"})
+            return done.stdout
+
+    FORGOTTEN = "echo 'slurm_load_jobs error: Invalid job id specified' >&2; exit 1"
+    BUSY = "echo 'slurm_load_jobs error: Unable to contact slurm controller' >&2; exit 1"
+
+    def test_state_is_that_of_the_controller(self):
+        for state, status in (("COMPLETED", "success"), ("PENDING", "running"),
+                              ("TIMEOUT", "failed")):
+            self.assertEqual(self.status(f'[ "$4" = 7 ] && echo "JobId=7 JobState={state} Reason=None"',
+                                         "echo CANCELLED"), status + "\n")
+
+    def test_accounting_knows_what_the_controller_has_forgotten(self):
+        self.assertEqual(self.status(self.FORGOTTEN, "echo COMPLETED"), "success\n")
+        self.assertEqual(self.status(self.BUSY, "echo 'CANCELLED by 0'"), "failed\n")
+
+    def test_job_that_nobody_knows_is_not_waited_for(self):
+        self.assertEqual(self.status(self.FORGOTTEN), "failed\n")
+
+    def test_busy_controller_is_asked_again(self):
+        self.assertEqual(self.status(self.BUSY), "running\n")
 
 
 def rows_of_result(path):
@@ -234,4 +392,4 @@ if __name__ == "__main__":
     del Workflow
     if not unittest.main(exit=False).result.wasSuccessful():
         sys.exit(1)
-    print("SKIPPED: snakemake is not installed; the table alone is tested")
+    print("SKIPPED: snakemake is not installed; the rest is tested")

@@ -9,18 +9,26 @@ ENDED_WELL = ("COMPLETED",)
 UNDER_WAY = ("PENDING", "CONFIGURING", "RUNNING", "COMPLETING", "SUSPENDED", "REQUEUED", "RESIZING")
 
 
-def main():
-    job = sys.argv[1].partition(";")[0]
-    done = subprocess.run(["scontrol", "--oneliner", "show", "job", job], capture_output=True,
-                          text=True, check=False)
-    state = re.search(r"\bJobState=(\w+)", done.stdout)
+def ask(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=False)
+
+
+def state_of(job):
+    controller = ask("scontrol", "--oneliner", "show", "job", job)
+    state = re.search(r"\bJobState=(\w+)", controller.stdout)
     if state is None:
         # The controller is busy, or has forgotten the job: a site with accounting knows it still.
-        done = subprocess.run(["sacct", "--noheader", "--allocations", "--parsable2",
-                               "--format=State", f"--jobs={job}"], capture_output=True, text=True,
-                              check=False)
-        state = re.search(r"^(\w+)", done.stdout)
-    word = state[1] if state else "RUNNING"
+        accounting = ask("sacct", "--noheader", "--allocations", "--parsable2", "--format=State",
+                         f"--jobs={job}")
+        state = re.search(r"^(\w+)", accounting.stdout)
+    if state:
+        return state[1]
+    # Who is busy answers later; who has forgotten the job never will.
+    return "FAILED" if "Invalid job id" in controller.stderr else "RUNNING"
+
+
+def main():
+    word = state_of(sys.argv[1].partition(";")[0])
     print("success" if word in ENDED_WELL else "running" if word in UNDER_WAY else "failed")
 
 
