@@ -3,7 +3,8 @@
 # named, for so many seconds under the address and undefined-behaviour sanitizers, FUZZ_JOBS (2) at
 # a time.
 # Corpora grow in build/fuzz/corpus, logs and findings lie in build/fuzz/logs and
-# build/fuzz/findings. Prints a table; exit status 1 when there is any finding.
+# build/fuzz/findings, those of earlier runs in build/fuzz/findings/earlier. Prints a table; exit status
+# 1 when there is any finding.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -27,7 +28,7 @@ trap 'rm -rf "$TMPDIR"' EXIT
 # A small quarantine keeps memory in the caches.
 export ASAN_OPTIONS=quarantine_size_mb=4:malloc_context_size=8
 export UBSAN_OPTIONS=print_stacktrace=1
-mkdir -p "$build/logs" "$build/findings"
+mkdir -p "$build/logs" "$build/findings/earlier"
 
 # Work of some inputs grows with the square of their length, by design, and every spectrum with one
 # peak far out takes an index of 400 kB; others need long lines.
@@ -44,7 +45,7 @@ longest_input() {
 run_target() {
     local target=$1 dictionary=tests/fuzz/dictionaries/$1.dict
     mkdir -p "$build/corpus/$target"
-    rm -f "$build/findings/$target"-*
+    find "$build/findings" -maxdepth 1 -type f -name "$target-*" -exec mv -t "$build/findings/earlier" {} +
     "$build/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len="$(longest_input "$target")" \
         -rss_limit_mb=1024 -malloc_limit_mb=512 -timeout=10 -print_final_stats=1 \
         -artifact_prefix="$build/findings/$target-" ${FUZZ_SEED:+-seed="$FUZZ_SEED"} \
@@ -63,6 +64,7 @@ wait
 
 # ---- The table ----
 
+status=0
 awk '
     function finish() {
         if (target == "") return
@@ -87,4 +89,7 @@ awk '
     /^FAILED/ { finding = "yes" }
     END { finish()
           printf "total: %d targets, %d executions, %d findings\n", ARGC - 1, totalRuns, findings
-          exit findings > 0 }' $(printf "$build/logs/%s.txt " "${targets[@]}")
+          exit findings > 0 }' $(printf "$build/logs/%s.txt " "${targets[@]}") || status=$?
+earlier=$(find "$build/findings/earlier" -type f | wc -l)
+[ "$earlier" -eq 0 ] || echo "of earlier runs: $earlier findings, in build/fuzz/findings/earlier"
+exit "$status"

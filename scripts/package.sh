@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the Debian packages of the library: libtessel0.1, libtessel-dev, tessel-data, tessel-tools and
-# libtessel-doc. The last lines are their paths, relative to the repository.
+# Builds the Debian packages of the library: libtessel with its version, libtessel-dev, tessel-data,
+# tessel-tools and libtessel-doc. The last lines are their paths, relative to the repository.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

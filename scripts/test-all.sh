@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What every submission has to pass, and what takes too long for that: all tests built by clang, as
+# What every change has to pass, and what takes too long for that: all tests built by clang, as
 # debug builds, with a static library, with clang's sanitizers, and as a debug build for Windows.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -25,9 +25,6 @@ test_variant clang clang
 test_variant clang-sanitize sanitize -DCMAKE_CXX_COMPILER=clang++
 
 # The server that test-windows.sh used has ended with it.
-export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' TZ=UTC0
-/usr/lib/wine/wineserver64 --persistent </dev/null >/dev/null 2>&1
-trap '/usr/lib/wine/wineserver64 --kill >/dev/null 2>&1' EXIT
-/usr/lib/wine/wine64 wineboot --init </dev/null >build/wine/start.log 2>&1
+. scripts/start_wine.sh
 test_variant windows-debug windows -DCMAKE_BUILD_TYPE=Debug
 test_variant windows-static windows -DBUILD_SHARED_LIBS=OFF

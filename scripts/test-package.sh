@@ -17,7 +17,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 root=$work/root
 packages=build/package
-library=$(echo "$packages"/libtessel0*.deb)
+library=$(echo "$packages"/libtessel[0-9]*.deb)
+library_package=$(dpkg-deb --field "$library" Package)
 multiarch=$(dpkg-architecture --query DEB_HOST_MULTIARCH)
 
 fail() { echo "FAILED: $*" >&2; exit 1; }
@@ -77,8 +78,8 @@ for program in by_cmake by_pkg_config; do
 done
 
 echo "-- Remove"
-expect_refusal --remove libtessel0.1
-expect_success --purge libtessel-dev libtessel-doc tessel-tools tessel-data libtessel0.1
+expect_refusal --remove "$library_package"
+expect_success --purge libtessel-dev libtessel-doc tessel-tools tessel-data "$library_package"
 listing >"$work/after.txt"
 diff "$work/before.txt" "$work/after.txt" || fail "the packages leave something behind"
 echo "The packages install, serve and go."
