@@ -32,7 +32,7 @@ void library(CRound& round, std::size_t count) {
     round.m_cFigures.m_uDigest = digest_of_spectra(spectra);
 }
 
-// ---- As described ----
+// ---- The plain way ----
 
 std::size_t plain_count(const std::string& path) {
     const OpenFile file = open_or_throw(path, "r");

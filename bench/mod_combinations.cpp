@@ -72,7 +72,7 @@ void library(CRound& round, std::size_t extra) {
     leave_figures(round, condition);
 }
 
-// ---- As described ----
+// ---- The plain way ----
 
 struct TERMINI {
     int m_nN = 0;  // type of the terminal modification that is there, or 0

@@ -93,7 +93,7 @@ void library(CRound& round, std::size_t definitions) {
     round.m_cFigures.m_uDigest = digest_of_tables(condition);
 }
 
-// ---- As described ----
+// ---- The plain way ----
 
 template <class Entry>
 void plain_mass_index(std::vector<std::uint32_t>& index, const std::vector<Entry>& entries) {

@@ -17,9 +17,9 @@ struct MUSTS {
     double m_lfPeakPerRecord = 0.0;  ///< peak memory / bytes of the records
 };
 
-/// One path through the library, done three ways. "plain" follows the description step by step
-/// with the means of the standard library and must give the same result; "limit" does the least
-/// that the described records allow.
+/// One path through the library, done three ways. "plain" does the steps of the operation one by
+/// one with the means of the standard library and must give the same result; "limit" does the least
+/// that the records allow.
 struct HOT_PATH {
     std::string m_strName;
     std::string m_strInput;

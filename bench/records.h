@@ -55,7 +55,7 @@ private:
 /// What a spectrum's peaks and index table take, written once.
 void write_spectrum_bytes(CFreshMemory& memory, const std::vector<CPeak>& peaks);
 
-/// The index over the peaks as it is described: position by position.
+/// The index over the peaks, made plainly: position by position.
 void plain_peak_index(CSpectrum& spectrum);
 std::uint64_t digest_of_spectra(const std::vector<CSpectrum>& spectra);
 

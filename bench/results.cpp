@@ -85,11 +85,11 @@ void load_library(CRound& round, std::size_t spectra) {
     round.m_cFigures.m_uDigest = digest_of_results(condition.m_mapPSMRes);
 }
 
-// As described: token by token, every candidate a record of its own that is copied into its list.
+// Plainly: token by token, every candidate a record of its own that is copied into its list.
 
 constexpr std::size_t kLineBuffer = 81920;
 
-// The described record is one that is copied, with all that it owns; it knows no moving.
+// A plain record is copied, with all that it owns; it knows no moving.
 class CCopiedPep : public CPepRes {
 public:
     CCopiedPep() = default;
@@ -509,7 +509,7 @@ void merge_library(CRound& round, std::size_t spectra) {
     std::remove(output.c_str());
 }
 
-// As described: each file whole.
+// Plainly: each file whole.
 void merge_plain(CRound& round, std::size_t spectra) {
     const std::vector<std::string> paths = result_files(spectra, kDefinitions);
     const std::string output = output_file("merged.res");

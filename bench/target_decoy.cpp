@@ -34,7 +34,7 @@ void library(CRound& round, std::size_t bytes) {
     round.m_cFigures.m_uDigest = digest_of_file(target);
 }
 
-// ---- As described: entries counted, batches of records, each batch written at once ----
+// ---- The plain way: entries counted, batches of records, each batch written at once ----
 
 constexpr std::size_t kLineBuffer = 81920;
 

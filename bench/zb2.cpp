@@ -28,7 +28,7 @@ void library(CRound& round, std::size_t entries) {
     round.m_cFigures.m_uDigest = digest_of_spectra(spectra);
 }
 
-// ---- As described: number by number ----
+// ---- The plain way: number by number ----
 
 template <class Number>
 Number get(std::FILE* file) {

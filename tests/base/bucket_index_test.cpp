@@ -112,7 +112,7 @@ TEST(bucket_index, first_entry_with_a_bucket_opens_the_table) {
     EXPECT_EQ(table, (Table{1, 1, 3}));
 }
 
-// As it is described: bucket by bucket.
+// Plainly: bucket by bucket.
 Table naive_table(const std::vector<std::int64_t>& buckets) {
     Table table;
     for (std::size_t i = 0; i < buckets.size(); ++i) {
