@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 
@@ -71,6 +72,16 @@ bool has_unfinished_file(const std::string& folder) {
     return false;
 }
 
+// Waits, without a pause, until the database is being written or there; at most half a minute, so
+// that a child that never begins does not hold up everything behind it.
+bool begins_to_write(const std::string& target) {
+    const std::string folder = fs::path(target).parent_path().string();
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!has_unfinished_file(folder) && !fs::exists(target))
+        if (std::chrono::steady_clock::now() > end) return false;
+    return true;
+}
+
 // Another file of the same size and the same second takes the name while the first one is read. The
 // replacement may come too late in a round; it does not do so in all of them.
 TEST(processes, source_replaced_meanwhile_is_read_again) {
@@ -88,8 +99,7 @@ TEST(processes, source_replaced_meanwhile_is_read_again) {
             prepare(path);
             return 0;
         });
-        while (!has_unfinished_file(folder.Path()) && !fs::exists(target)) {
-        }
+        ASSERT_TRUE(begins_to_write(target));
         const bool inTime = !fs::exists(target);
         fs::rename(next, path);
         EXPECT_EQ(child.Wait().m_nExit, 0);
@@ -113,8 +123,7 @@ TEST(processes, source_removed_meanwhile_is_fatal_or_whole) {
             prepare(path);
             return 0;
         });
-        while (!has_unfinished_file(folder.Path()) && !fs::exists(target)) {
-        }
+        ASSERT_TRUE(begins_to_write(target));
         fs::remove(path);
         const test::CHILD_END end = child.Wait();
         EXPECT_FALSE(has_unfinished_file(folder.Path()));

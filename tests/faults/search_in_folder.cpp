@@ -12,19 +12,10 @@
 #include "tests/chem/chemistry.h"
 
 namespace tessel::test {
-namespace {
-
-namespace fs = std::filesystem;
-
-fs::path utf8_path(const std::string& text) {
-    return std::u8string(text.begin(), text.end());
-}
-
-}  // namespace
 
 void search_in(const std::string& folder, const std::string& text) {
     CChemistry chemistry;  // the working folder with the element and label tables
-    fs::create_directories(utf8_path(chemistry.m_cFolder.Path() + '/' + folder));
+    std::filesystem::create_directories(path_of(chemistry.m_cFolder.Path() + '/' + folder));
     const std::string before = chemistry.m_cFolder.Path() + '/' + text;
     const auto path = [&](const std::string& name) { return before + name; };
     chemistry.m_cFolder.Write("element.ini", test::kWholeElements);

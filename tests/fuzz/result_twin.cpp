@@ -13,6 +13,16 @@ namespace {
 
 constexpr std::size_t kPiece = 81919;
 
+struct PLAIN_PEP {
+    CPepRes m_cPep;                                     // but for the sites
+    std::vector<std::pair<int, std::string>> m_vSites;  // position and name
+};
+
+struct PLAIN_SPECTRUM {
+    CPSMRes m_cHead;
+    std::vector<PLAIN_PEP> m_vPeps;
+};
+
 // A file as a text that is read from the front. A field that cannot be read makes it bad.
 class CPlainResults {
 public:
@@ -20,11 +30,11 @@ public:
         if (text.starts_with("\xEF\xBB\xBF")) m_strRest.remove_prefix(3);
     }
 
-    std::map<std::string, CPSMRes> Read(std::size_t maxPeps, double maxFinalScore) {
+    std::map<std::string, PLAIN_SPECTRUM> Read(std::size_t maxPeps, double maxFinalScore) {
         while (SkipBlanks()) {
             const std::string_view record = m_strRest;
             m_bGood = true;
-            CPepRes pep;
+            PLAIN_PEP pep;
             const bool isHead = Token() == "S";
             if (isHead) {
                 Head();
@@ -37,11 +47,13 @@ public:
                 continue;
             }
             const auto [entry, isNew] = m_mapResults.try_emplace(m_cSpectrum.m_strTitle);
-            if (isNew) entry->second = m_cSpectrum;
+            if (isNew) entry->second.m_cHead = m_cSpectrum;
             if (isHead) continue;
             Line();
-            std::vector<CPepRes>& peps = entry->second.m_vPeps;
-            if (peps.size() < maxPeps && pep.m_lfFinalScore <= maxFinalScore) peps.push_back(pep);
+            std::vector<PLAIN_PEP>& peps = entry->second.m_vPeps;
+            if (peps.size() < maxPeps && pep.m_cPep.m_lfFinalScore <= maxFinalScore) {
+                peps.push_back(pep);
+            }
         }
         return m_mapResults;
     }
@@ -98,7 +110,8 @@ private:
         if (m_bGood) m_cSpectrum.m_strTitle = title;
     }
 
-    void Peptide(CPepRes& pep) {
+    void Peptide(PLAIN_PEP& plain) {
+        CPepRes& pep = plain.m_cPep;
         pep.m_strSeq = Token();
         pep.m_lfPepMass = Measure();
         pep.m_lfScore = Measure();
@@ -107,14 +120,9 @@ private:
         const unsigned sites = Whole<unsigned>();
         m_bGood = m_bGood && sites < 256;
         for (unsigned i = 0; i < sites && m_bGood; ++i) {
-            m_vSites.resize(i);
             const unsigned char position = Byte();
-            m_vSites.emplace_back(position, Token());
+            plain.m_vSites.emplace_back(position, Token());
         }
-        m_vSites.resize(m_bGood ? sites : 0);
-        pep.m_vstrExtra.clear();
-        for (const auto& [position, name] : m_vSites)
-            pep.m_vstrExtra.push_back(std::to_string(position) + ' ' + name);
         pep.m_ucAuxMax = Byte();
         pep.m_bDecoy = Whole() != 0 ? 1 : 0;
         pep.m_ucAux1 = Byte();
@@ -148,8 +156,7 @@ private:
     std::string_view m_strRest;
     bool m_bGood = true;
     CPSMRes m_cSpectrum;
-    std::vector<std::pair<int, std::string>> m_vSites;
-    std::map<std::string, CPSMRes> m_mapResults;
+    std::map<std::string, PLAIN_SPECTRUM> m_mapResults;
 };
 
 bool same_hits(const std::set<PRO_INFO>& a, const std::set<PRO_INFO>& b) {
@@ -160,26 +167,21 @@ bool same_hits(const std::set<PRO_INFO>& a, const std::set<PRO_INFO>& b) {
                       });
 }
 
-// Sites of the plain record stand in its extra texts.
-void check_sites(const CPepRes& plain, const CPepRes& pep, const CCondition& condition) {
-    check(pep.SiteNum() == plain.m_vstrExtra.size(), "every site is read");
+void check_sites(const PLAIN_PEP& plain, const CPepRes& pep, const CCondition& condition) {
+    check(pep.SiteNum() == plain.m_vSites.size(), "every site is read");
     for (std::size_t i = 0; i < pep.SiteNum(); ++i) {
-        const std::string& site = plain.m_vstrExtra[i];
-        const std::size_t blank = site.find(' ');
-        check(site.substr(0, blank) == std::to_string(pep.m_pMods[i].m_ucPos),
-              "positions are read");
-        check(condition.m_mapMods.at(site.substr(blank + 1)) == pep.m_pMods[i].m_pMod,
-              "names lead to modifications");
+        const auto& [position, name] = plain.m_vSites[i];
+        check(position == pep.m_pMods[i].m_ucPos, "positions are read");
+        check(condition.m_mapMods.at(name) == pep.m_pMods[i].m_pMod, "names lead to modifications");
     }
 }
 
-void check_pep(const CPepRes& plain, const CPepRes& pep, const CCondition& condition) {
+void check_pep(const CPepRes& plain, const CPepRes& pep) {
     check(pep.m_strSeq == plain.m_strSeq, "sequences are read");
     check(same(pep.m_lfPepMass, plain.m_lfPepMass) && same(pep.m_lfScore, plain.m_lfScore) &&
               same(pep.m_lfFinalScore, plain.m_lfFinalScore) &&
               same(pep.m_lfQValue, plain.m_lfQValue) && same(pep.m_lfMassDev, plain.m_lfMassDev),
           "numbers are read");
-    check_sites(plain, pep, condition);
     check(pep.m_ucAuxMax == plain.m_ucAuxMax && pep.m_bDecoy == plain.m_bDecoy &&
               pep.m_ucAux1 == plain.m_ucAux1 && pep.m_ucAux2 == plain.m_ucAux2,
           "flags are read");
@@ -205,12 +207,14 @@ void run(CBytes input) {
         const auto found = condition.m_mapPSMRes.find(title);
         check(found != condition.m_mapPSMRes.end(), "titles are read");
         const CPSMRes& spectrum = found->second;
-        check(spectrum.m_strTitle == title && spectrum.m_nCharge == plain.m_nCharge &&
-                  same(spectrum.m_lfMH, plain.m_lfMH),
+        check(spectrum.m_strTitle == title && spectrum.m_nCharge == plain.m_cHead.m_nCharge &&
+                  same(spectrum.m_lfMH, plain.m_cHead.m_lfMH),
               "heads are read");
         check(spectrum.m_vPeps.size() == plain.m_vPeps.size(), "every candidate is read");
-        for (std::size_t i = 0; i < plain.m_vPeps.size(); ++i)
-            check_pep(plain.m_vPeps[i], spectrum.m_vPeps[i], condition);
+        for (std::size_t i = 0; i < plain.m_vPeps.size(); ++i) {
+            check_pep(plain.m_vPeps[i].m_cPep, spectrum.m_vPeps[i]);
+            check_sites(plain.m_vPeps[i], spectrum.m_vPeps[i], condition);
+        }
     }
 }
 

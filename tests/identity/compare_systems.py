@@ -3,9 +3,13 @@
 
     compare_systems.py HOST_BUILD CROSS_BUILD EMULATOR SOURCE_FOLDER WORK_FOLDER
 
-The demonstration search writes the target-decoy database and the final result, the example of the
-labels the temporary tables, that of the formats a ZB2 file, and rewrite_parameters a parameter file, whose version line tells the
-time of a local file and is left out.
+What they write:
+
+    closed_search        the target-decoy database and the final result
+    labels               the temporary tables
+    mgf_to_zb2           a ZB2 file
+    rewrite_parameters   a parameter file; its version line tells the time of a local file and is
+                         left out
 """
 
 import pathlib
