@@ -109,6 +109,7 @@ TEST(number, doubles_overflow_to_infinity_and_underflow_to_0) {
     EXPECT_EQ(to_double("1e400"), kInfinity);
     EXPECT_EQ(to_double("-1e99999999999999999999"), -kInfinity);
     EXPECT_EQ(to_double(std::string(400, '9')), kInfinity);
+    EXPECT_EQ(to_double("0." + std::string(800, '1') + "e400"), kInfinity);
     EXPECT_EQ(to_double("1e-400"), 0.0);
     EXPECT_EQ(to_double("1e-99999999999999999999"), 0.0);
     EXPECT_EQ(to_double("0e99999999999999999999"), 0.0);
