@@ -57,6 +57,17 @@ private:
     COptionTool m_cTool;
 };
 
+// A lookup gives a missing value where it cannot read, or the empty text, without a word: this is
+// told once, before all of them.
+void report_unreadable(const CCondition& condition, const std::string& path) {
+    CLineReader lines(path, kLinePiece);
+    std::string_view line;
+    while (lines.ReadLine(line)) {
+    }
+    if ((lines.IsOpen() && !lines.Failed()) || !path_exists(path)) return;
+    condition.Message("Cannot read the parameter file: " + path, LOG_ALERT);
+}
+
 // The value, or with an alert what stands for one out of range.
 int in_range(const CCondition& condition, const VALUE_RANGE& range, int value) {
     if (value >= 0 && value <= range.m_nHighest) return value;
@@ -203,6 +214,7 @@ CConditionReader::CConditionReader(const std::string& path) : m_strPath(path) {
 }
 
 void CConditionReader::Read() {
+    report_unreadable(m_cCondition, m_strPath);
     _LoadParam();
     _LoadData();
     _LoadEngine();
