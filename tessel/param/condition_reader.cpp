@@ -78,7 +78,7 @@ int in_range(const CCondition& condition, const VALUE_RANGE& range, int value) {
     return replacement;
 }
 
-std::size_t read_count(const CSection& section, CKnownKey key, const CCondition& condition) {
+std::size_t read_count(const CSection& section, CRangedKey key, const CCondition& condition) {
     return static_cast<std::size_t>(in_range(condition, key->m_cRange, section.Integer(key)));
 }
 
@@ -91,7 +91,7 @@ void read_thread_number(const CSection& param, CCondition& condition) {
 
 // The field has one byte; its range is asked of what that keeps of the number.
 unsigned char read_digest(const CSection& param, const CCondition& condition) {
-    const CKnownKey key("digest");
+    const CRangedKey key("digest");
     return static_cast<unsigned char>(
         in_range(condition, key->m_cRange, param.As<unsigned char>(key)));
 }
