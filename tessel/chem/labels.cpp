@@ -120,8 +120,7 @@ void CCondition::GenTmpAA(const std::size_t& labelIndex) {
     read_residues(m_strAAPath, [this](char letter, std::string_view composition) {
         const WEIGHED weighed = weigh(composition, m_mapElementMass, &m_mapAALabel[letter]);
         define_residue(m_cAlphaBet, letter, weighed);
-        const std::string_view name(&letter, 1);
-        Message(message_text(name, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
+        Message(message_text(letter, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
     });
     WriteAA(labelIndex);
 }

@@ -3,9 +3,9 @@
 
 #include <array>
 
-#include "tessel/base/bucket_index.h"
 #include "tessel/base/end_process.h"
 #include "tessel/base/line_reader.h"
+#include "tessel/base/mass_order.h"
 #include "tessel/base/number.h"
 #include "tessel/base/word_reader.h"
 #include "tessel/chem/mod.h"
