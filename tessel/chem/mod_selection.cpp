@@ -114,12 +114,22 @@ bool skip_behind(CLineReader& reader, std::string_view mark) {
     return false;
 }
 
+// The next words, on as few lines as hold them, with blanks between.
+std::string next_words(CLineReader& reader, std::size_t count) {
+    std::string words;
+    std::string_view line;
+    while (count > 0 && reader.ReadLine(line)) {
+        CWordReader fields(line);
+        for (std::string_view word; count > 0 && fields.Word(word); --count)
+            words.append(word) += ' ';
+    }
+    return words;
+}
+
 void read_cleave_prob(CLineReader& reader, std::array<double, 4>& coefficients) {
     std::string text;
     if (skip_behind(reader, "[----cleave prob----]")) {
-        std::string_view line;
-        while (reader.ReadLine(line))
-            text.append(line).append("\n");
+        text = next_words(reader, 2 * coefficients.size());
     }
     CWordReader pairs(text);
     int index = 0;

@@ -564,6 +564,9 @@ TEST(learn_file, unreadable_pairs_repeat_the_pair_before) {
         {"-1 0.5 1 0.25", {9.0, 0.25, 9.0, 9.0}},
         {"99999999999 0.5", {9.0, 9.0, 9.0, 9.0}},
         {"1 0.5 1 0.25", {9.0, 0.25, 9.0, 9.0}},
+        // A word that is a number only in front is two fields.
+        {"0 0.5x 2 0.25", {0.5, 9.0, 9.0, 9.0}},
+        {"0.5 2 1 0.25", {0.25, 9.0, 1.0, 9.0}},
     };
     for (const auto& row : rows) {
         CLearned learned(std::string("heading\n[----mod prob end----]\n[----cleave prob----]\n") +
