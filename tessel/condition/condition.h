@@ -236,7 +236,7 @@ public:
     /// modification in which m_mapModLabel replaces an element gets a form with the label's number
     /// (labelIndex + 1) and the mass of its new composition; all others, and it too, stay as form
     /// #0. Without form #0 are those that lose a replaced element, and conversions of one residue
-    /// into another (11 characters such as "Ala->Ser[A]").
+    /// into another (11 characters such as "Ala->Ser[A]"; one without a composition keeps it).
     /// Needs ReadMod() and ReadLabelInfo(); makes stale what ReadMod() does.
     void GenTmpMod(const std::size_t& labelIndex);
 
