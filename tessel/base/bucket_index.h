@@ -7,31 +7,30 @@
 #include <limits>
 #include <vector>
 
+#include "tessel/base/number.h"
+
 namespace tessel {
 
 // A bucket index over a list sorted by a key: table[b] is the position of the first entry whose
 // bucket is at least b, up to the bucket of the last entry. From a key to the first candidate in
 // one step.
 
-/// The bucket of an entry that enters no index.
+/// The bucket of an entry that enters no index; also what truncated() makes of NaN.
 inline constexpr std::int64_t kNoBucket = std::numeric_limits<std::int64_t>::min();
 /// A larger table is not built: one hostile mass must not cost the memory of the machine.
 inline constexpr std::size_t kMaxBuckets = 50'000'000;
-
-/// A number truncated toward zero, saturating; kNoBucket for NaN.
-inline std::int64_t truncated(double number) {
-    constexpr double kLimit = 9.2e18;
-    if (std::isnan(number)) return kNoBucket;
-    if (number >= kLimit) return std::numeric_limits<std::int64_t>::max();
-    if (number <= -kLimit) return kNoBucket + 1;
-    return static_cast<std::int64_t>(number);
-}
 
 /// Mass lookups: thousandths of a dalton, truncated toward zero; kNoBucket for a mass that is not
 /// finite.
 inline std::int64_t milli_dalton(double mass) {
     return std::isfinite(mass) ? truncated(mass * 1000.0) : kNoBucket;
 }
+
+/// Rebuilds `table` over `entries`; bucketOf(entry) is the entry's bucket. Entries that are out of
+/// order, with a bucket below one already reached, are left to the entry that reached it. False,
+/// and the table empty, when it would be larger than kMaxBuckets.
+template <class Index, class Entries, class BucketOf>
+bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf);
 
 /// The same as fill_buckets() for tables of up to 4096 buckets, false for a longer one. Spectra
 /// have short tables, and many: one pass fills memory that is warm, where a run may be written
@@ -59,9 +58,6 @@ bool fill_few_buckets(std::vector<Index>& table, const Entries& entries, BucketO
     return true;
 }
 
-/// Rebuilds `table` over `entries`; bucketOf(entry) is the entry's bucket. Entries that are out of
-/// order, with a bucket below one already reached, are left to the entry that reached it. False,
-/// and the table empty, when it would be larger than kMaxBuckets.
 template <class Index, class Entries, class BucketOf>
 bool fill_buckets(std::vector<Index>& table, const Entries& entries, BucketOf bucketOf) {
     if (fill_few_buckets(table, entries, bucketOf)) return true;
@@ -105,17 +101,6 @@ bool fill_mass_buckets(std::vector<Index>& table, const Entries& entries, MassOf
                    ? std::numeric_limits<std::int64_t>::max()
                    : key - offset;
     });
-}
-
-/// Ascending masses, those that are not finite behind all others and NaN last of all, so that
-/// sorting is defined whatever a file holds.
-inline bool mass_less(double a, double b) {
-    const auto rank = [](double mass) {
-        return std::isfinite(mass) ? 0 : std::isnan(mass) ? 2 : 1;
-    };
-    const int rankA = rank(a);
-    const int rankB = rank(b);
-    return rankA != rankB ? rankA < rankB : a < b;
 }
 
 }  // namespace tessel

@@ -14,12 +14,16 @@ inline void append_piece(std::string& text, std::string_view piece) {
     text += piece;
 }
 
+inline void append_piece(std::string& text, char piece) {
+    text += piece;
+}
+
 template <class Integer>
 std::enable_if_t<std::is_integral_v<Integer>> append_piece(std::string& text, Integer value) {
     append_integer(text, value);
 }
 
-/// Pieces (texts, integers) one after another. Doubles come as fixed_text().
+/// Pieces (texts, characters, integers) one after another. Doubles come as fixed_text().
 template <class... Pieces>
 std::string joined_text(const Pieces&... pieces) {
     std::string text;

@@ -17,7 +17,8 @@ namespace tessel {
 //
 // The readers of numbers know the ordinary forms only and return null for every other one. The
 // digits they read may be the front of a longer run: a number is read when what follows it is no
-// digit and no letter. It is then what read_integer and read_double of base/number.h read.
+// digit and no letter. It is then what read_integer and read_double of base/number.h read. After
+// null the value is open.
 //
 // Where one field of a file ends tells where the next one begins, so a processor that must compute
 // lengths reads one field after the other. The lengths that most fields have are therefore asked
@@ -107,7 +108,7 @@ inline const char* read_short_magnitude(const char* text, double& value) {
 inline const char* read_short(const char* text, double& value) {
     if (*text != '-') return read_short_magnitude(text, value);
     const char* const end = read_short_magnitude(text + 1, value);
-    value = -value;
+    if (end != nullptr) value = -value;
     return end;
 }
 

@@ -20,13 +20,16 @@ public:
     std::array<std::string, kResidueLetters> m_strComposition;  ///< groups "C(2)H(3)N(1)O(1)"
 };
 
+/// What the 8 bits of a code in the extended alphabet can tell apart.
+inline constexpr std::size_t kExtendedCodes = 256;
+
 /// One letter of the extended alphabet: a residue, alone or with one modification.
 class TESSEL_API ExtendedAA {
 public:
     const CMod* m_pMod = nullptr;  ///< null for the plain residue; not owned
     char m_cAA = 0;                ///< residue letter
-    /// Position in the alphabet by ascending mass, in 8 bits (an alphabet of more than 256 letters
-    /// wraps); 0xFF until ranked.
+    /// Position in the alphabet by ascending mass, in 8 bits: in an alphabet of more than
+    /// kExtendedCodes letters they repeat. 0xFF until ranked.
     unsigned char m_ucCode = 0xFF;
     double m_lfMass = 0.0;  ///< residue plus modification, Da
 

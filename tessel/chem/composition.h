@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
+#include <string>
 #include <string_view>
 
 namespace tessel {
@@ -26,5 +28,22 @@ void visit_composition(std::string_view composition, Visit visit) {
         composition.remove_prefix(close + 1);
     }
 }
+
+using ElementMasses = std::map<std::string, double>;
+/// Element symbol to the symbol that is counted in its place.
+using Replacements = std::map<std::string, std::string>;
+
+/// A composition with its replacements made.
+struct WEIGHED {
+    std::string m_strComposition;    ///< the groups, count texts as they were
+    double m_lfMass = 0.0;           ///< Da
+    bool m_bReplaced = false;        ///< a symbol was replaced, be it by itself
+    bool m_bReplacedLeaves = false;  ///< one with a negative count was
+};
+
+/// Sums up a composition in the order of its groups. An unknown element is added to `masses` with
+/// mass 0. Null replacements are none.
+WEIGHED weigh(std::string_view composition, ElementMasses& masses,
+              const Replacements* replacements = nullptr);
 
 }  // namespace tessel

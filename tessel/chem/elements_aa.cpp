@@ -3,11 +3,10 @@
 
 #include <vector>
 
-#include "tessel/base/bucket_index.h"
 #include "tessel/base/line_reader.h"
+#include "tessel/base/mass_order.h"
 #include "tessel/base/number.h"
 #include "tessel/base/text.h"
-#include "tessel/chem/composition.h"
 #include "tessel/chem/residues.h"
 #include "tessel/condition/condition.h"
 
@@ -51,25 +50,6 @@ std::size_t most_abundant(const std::vector<std::string>& abundances) {
 
 bool ExtendedAA::EAA_Mass_Less(const ExtendedAA& a, const ExtendedAA& b) {
     return mass_less(a.m_lfMass, b.m_lfMass);
-}
-
-WEIGHED weigh(std::string_view composition, ElementMasses& masses,
-              const Replacements* replacements) {
-    WEIGHED weighed;
-    visit_composition(composition, [&](std::string_view group, std::string_view countText) {
-        const int count = to_int(countText);
-        std::string symbol(group);
-        if (replacements != nullptr) {
-            if (const auto found = replacements->find(symbol); found != replacements->end()) {
-                symbol = found->second;
-                weighed.m_bReplaced = true;
-                weighed.m_bReplacedLeaves = weighed.m_bReplacedLeaves || count < 0;
-            }
-        }
-        weighed.m_lfMass += masses[symbol] * count;
-        weighed.m_strComposition.append(symbol).append("(").append(countText).append(")");
-    });
-    return weighed;
 }
 
 void read_residues(const std::string& path,

@@ -30,10 +30,6 @@ struct LABEL_ITEM {
 // Takes the next item off the front; false when what is there is none.
 bool take_item(std::string_view& text, LABEL_ITEM& item) {
     item.m_cKind = text.front();
-    if (item.m_cKind != 'R' && item.m_cKind != 'M') {
-        std::cerr << "unknown label type!\n" << std::flush;
-        end_process(1);
-    }
     const std::size_t open = text.find('{', 2);
     const std::size_t close = text.find('}', std::min(open, text.size()));
     if (open == std::string_view::npos || close == std::string_view::npos) return false;
@@ -45,6 +41,12 @@ bool take_item(std::string_view& text, LABEL_ITEM& item) {
     item.m_strReplacement = pair.substr(comma + 1);
     text.remove_prefix(close + 1);
     return true;
+}
+
+void require_known_kind(char kind) {
+    if (kind == 'R' || kind == 'M') return;
+    std::cerr << "unknown label type!\n" << std::flush;
+    end_process(1);
 }
 
 // The first line is a heading. The value of the first line whose key is the label.
@@ -103,7 +105,9 @@ void CCondition::ReadLabelInfo(const std::string& label) {
     if (value == "none") return;
     std::string_view items(value);
     LABEL_ITEM item;
-    while (!items.empty() && take_item(items, item)) {
+    while (!items.empty()) {
+        require_known_kind(items.front());
+        if (!take_item(items, item)) return;
         if (item.m_cKind == 'R') {
             for (const char letter : item.ForAll() ? kAnyResidue : item.m_strTarget)
                 m_mapAALabel[letter][item.m_strElement] = item.m_strReplacement;
@@ -120,8 +124,7 @@ void CCondition::GenTmpAA(const std::size_t& labelIndex) {
     read_residues(m_strAAPath, [this](char letter, std::string_view composition) {
         const WEIGHED weighed = weigh(composition, m_mapElementMass, &m_mapAALabel[letter]);
         define_residue(m_cAlphaBet, letter, weighed);
-        const std::string_view name(&letter, 1);
-        Message(message_text(name, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
+        Message(message_text(letter, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
     });
     WriteAA(labelIndex);
 }

@@ -29,7 +29,8 @@ public:
     std::vector<double> m_vLossMass;  ///< neutral losses, monoisotopic, Da, in file order
     double m_lfProb = 1.0;            ///< prior probability, learned; see CCondition::SetSelMod
     /// Elemental composition of the shift, groups of symbol, "(", signed count, ")". The default is
-    /// impossible on purpose: it marks what has no composition, and no label ever fits it.
+    /// impossible on purpose: it marks what was not read from a table, mass shifts and the entry
+    /// "NULL". A label that replaces hydrogen in all modifications changes it like any other.
     std::string m_strComposition = "H(300)";
     int m_nFlag = 0;  ///< from the index line of the file, written back unchanged
 

@@ -4,26 +4,21 @@
 // alphabet, and the lookups by mass over the table and over the alphabet.
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <cstdint>
 
 #include "tessel/base/line_reader.h"
 #include "tessel/base/message_text.h"
-#include "tessel/base/number.h"
 #include "tessel/base/text.h"
 #include "tessel/base/word_reader.h"
+#include "tessel/chem/mass_shifts.h"
 #include "tessel/chem/residues.h"
 #include "tessel/condition/condition.h"
 #include "tessel/condition/constants.h"
 #include "tessel/condition/mass_index.h"
-#include "tessel/platform/memory.h"
 
 namespace tessel {
 namespace {
 
-constexpr std::size_t kMaxShifts = 10'000'000;
-constexpr double kShiftStep = 0.01;
 // A lighter residue is an undefined one.
 constexpr double kLightestResidue = 0.01;
 // Common enough to be considered by every open search.
@@ -37,77 +32,6 @@ CMod placeholder() {
     mod.m_strSites = kAnyResidue;
     mod.m_eType = MOD_PLACEHOLDER;
     return mod;
-}
-
-// Visits the shifts from -maxDelta to maxDelta until visit(shift) is false. The rounding errors of
-// the running sum are part of the shifts and of their names.
-template <class Visit>
-void visit_shifts(double maxDelta, Visit visit) {
-    for (double shift = -maxDelta; shift <= maxDelta && visit(shift); shift += kShiftStep) {
-    }
-}
-
-// Stops one above the limit.
-std::size_t number_of_shifts(double maxDelta) {
-    std::size_t number = 0;
-    visit_shifts(maxDelta, [&number](double) { return ++number <= kMaxShifts; });
-    return number;
-}
-
-// Writes as "%.2f", most numbers as an integer of hundredths: whatever is clearly nearer to one
-// than to its neighbours rounds to it. Saves 4 % of the instructions of CreateModList() with its
-// default shifts.
-char* write_hundredths(char* text, double number) {
-    const double exact = std::fabs(number) * 100.0;
-    if (!(exact < 1e9)) return write_fixed(text, number, 2);
-    // NOLINTNEXTLINE(bugprone-incorrect-roundings): doubtful ones go the other way
-    const auto hundredths = static_cast<std::uint32_t>(exact + 0.5);
-    if (std::fabs(exact - hundredths) > 0.4) return write_fixed(text, number, 2);
-    constexpr std::ptrdiff_t kDigits = 10;
-    if (std::signbit(number)) *text++ = '-';
-    text = std::to_chars(text, text + kDigits, hundredths / 100).ptr;
-    *text++ = '.';
-    *text++ = static_cast<char>('0' + hundredths / 10 % 10);
-    *text++ = static_cast<char>('0' + hundredths % 10);
-    return text;
-}
-
-// Takes no more memory than the name needs, unlike a text that grows.
-std::string shift_name(double mass) {
-    constexpr std::ptrdiff_t kNumberLength = 15;
-    char text[32 + kMaxNumberText];
-    char* const number = std::copy(_BLIND_PREFIX.begin(), _BLIND_PREFIX.end(), text);
-    return std::string(text, std::min(write_hundredths(number, mass), number + kNumberLength));
-}
-
-// Creates the mass shifts and adds their names, each while it is still in the cache.
-void create_shifts(const CCondition& condition, std::vector<CMod>& shifts,
-                   std::map<std::string, CMod*>& names) {
-    shifts.clear();
-    const double maxDelta = condition.m_lfMaxDelta;
-    const std::size_t number = number_of_shifts(maxDelta);
-    if (!std::isfinite(maxDelta) || number > kMaxShifts) {
-        condition.Message(
-            "Invalid_Max_Delta: " + shortest_text(maxDelta) + ", no mass shifts are created",
-            LOG_ALERT);
-        return;
-    }
-    CMod unnamed;
-    unnamed.m_strSites = kAnyResidue;
-    shifts.reserve(number);
-    CFreshPages pages(shifts.data(), number * sizeof(CMod));  // saves 5 % of CreateModList()
-    auto place = names.end();
-    visit_shifts(maxDelta, [&](double shift) {
-        pages.Reach(shifts.data() + shifts.size());
-        CMod& mod = shifts.emplace_back(unnamed);
-        mod.m_lfMass = condition.m_lfCenter + shift;
-        mod.m_strName = shift_name(mod.m_lfMass);
-        // Names move away from 0 as their numbers do, unless these gain or lose a digit.
-        if (place != names.end() && mod.m_lfMass > 0.0) ++place;
-        place = names.emplace_hint(place, mod.m_strName, &mod);
-        place->second = &mod;
-        return true;
-    });
 }
 
 void index_names(std::map<std::string, CMod*>& names, std::vector<CMod>& mods) {
@@ -190,12 +114,22 @@ bool skip_behind(CLineReader& reader, std::string_view mark) {
     return false;
 }
 
+// The next words, on as few lines as hold them, with blanks between.
+std::string next_words(CLineReader& reader, std::size_t count) {
+    std::string words;
+    std::string_view line;
+    while (count > 0 && reader.ReadLine(line)) {
+        CWordReader fields(line);
+        for (std::string_view word; count > 0 && fields.Word(word); --count)
+            words.append(word) += ' ';
+    }
+    return words;
+}
+
 void read_cleave_prob(CLineReader& reader, std::array<double, 4>& coefficients) {
     std::string text;
     if (skip_behind(reader, "[----cleave prob----]")) {
-        std::string_view line;
-        while (reader.ReadLine(line))
-            text.append(line).append("\n");
+        text = next_words(reader, 2 * coefficients.size());
     }
     CWordReader pairs(text);
     int index = 0;
@@ -218,18 +152,14 @@ void read_cleave_prob(CLineReader& reader, std::array<double, 4>& coefficients) 
 
 void CCondition::CreateModList() {
     DropModAddresses();
-    for (ExtendedAA& letter : m_vExtendedAA)
-        letter.m_pMod = nullptr;
 
     m_vMods.push_back(placeholder());
     std::stable_sort(m_vMods.begin(), m_vMods.end(), CMod::Mass_Less);
     index_masses(*this, m_vModMassIndex, m_vMods, [](const CMod& mod) { return mod.m_lfMass; });
 
-    m_mapMods.clear();
     index_names(m_mapMods, m_vMods);
     create_shifts(*this, m_vDeltaMods, m_mapMods);
 
-    m_vSelMods.clear();
     _parse_mod(m_strFixMod, true);
     _parse_mod(m_strSelectMod, false);
     HandleSelectMod();

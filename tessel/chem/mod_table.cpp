@@ -3,9 +3,9 @@
 
 #include <array>
 
-#include "tessel/base/bucket_index.h"
 #include "tessel/base/end_process.h"
 #include "tessel/base/line_reader.h"
+#include "tessel/base/mass_order.h"
 #include "tessel/base/number.h"
 #include "tessel/base/word_reader.h"
 #include "tessel/chem/mod.h"
@@ -111,10 +111,17 @@ void CCondition::ReadMod() {
     }
 }
 
-// Whatever replaces or reorders m_vMods calls this: no later allocation may bring an old address
-// back as that of another modification, which would then count as fixed.
+// Whatever replaces or reorders m_vMods calls this: an address that stayed could be written
+// through, or come back with a later allocation as that of another modification, which would then
+// count as fixed.
 void CCondition::DropModAddresses() {
+    m_mapMods.clear();
+    m_vSelMods.clear();
     m_setFixMods.clear();
+    for (auto& slot : m_vSelModMap)
+        slot.clear();
+    for (ExtendedAA& letter : m_vExtendedAA)
+        letter.m_pMod = nullptr;
 }
 
 }  // namespace tessel

@@ -3,6 +3,7 @@
 
 #include "tessel/condition/condition.h"
 
+#include <bit>
 #include <iostream>
 
 #include "tessel/base/text.h"
@@ -72,10 +73,7 @@ double CCondition::_CalcMaxDeviation(const double& mass, bool precursor) const {
 }
 
 std::uint32_t CCondition::_GetBitsNum(std::uint32_t value) const {
-    std::uint32_t bits = 0;
-    for (; value != 0; value &= value - 1)
-        ++bits;
-    return bits;
+    return static_cast<std::uint32_t>(std::popcount(value));
 }
 
 }  // namespace tessel

@@ -181,8 +181,9 @@ public:
     // ---- Modification table: chem/mod_table.cpp ----
 
     /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes
-    /// stale whatever points into m_vMods until CreateModList() has run, and empties m_setFixMods.
-    /// A file that is there but cannot be read is an alert, and leaves m_vMods empty.
+    /// stale whatever points into m_vMods until CreateModList() has run: selections and m_mapMods
+    /// are emptied, letters of the extended alphabet lose their m_pMod. A file that is there but
+    /// cannot be read to its end is an alert; what was read before is kept.
     void ReadMod();
 
     // ---- Modification selection: chem/mod_selection.cpp ----
@@ -201,9 +202,11 @@ public:
     /// behind them, which then matches nothing: users' files count on that.
     void _parse_mod(const std::string& names, bool isFixed);
     /// Drops repeated selections, fills m_vSelModMap, and adds the residues, alone and with each
-    /// selected modification, to the extended alphabet.
+    /// selected modification, to the extended alphabet. Needs selections of the present m_vMods and
+    /// m_vDeltaMods: those of CreateModList(), run since the last ReadMod(), GenTmpMod() or
+    /// WriteConfFiles(), or others that point there.
     void HandleSelectMod();
-    /// Fills m_vSelModMap from m_vSelMods.
+    /// Fills m_vSelModMap from m_vSelMods. Needs the same.
     void CreateSelModMap();
     /// The name under which a label's form of a modification stands in the table: name#0 for label
     /// number 0, which is the unlabelled form.
@@ -213,7 +216,8 @@ public:
     /// common ones that every open search considers. Takes over the learned cleavage coefficients
     /// and probabilities; a probability that cannot be read stays as it was, its modification is
     /// selected all the same. An unknown name is a warning. False, and nothing changed, when the
-    /// file cannot be opened.
+    /// file cannot be opened. Needs CreateModList() since the last ReadMod(), GenTmpMod() or
+    /// WriteConfFiles(); without it every name is unknown.
     bool SetSelMod(const std::size_t& maxMods);
 
     // ---- Quantitation labels: chem/labels.cpp ----
@@ -232,8 +236,8 @@ public:
     /// modification in which m_mapModLabel replaces an element gets a form with the label's number
     /// (labelIndex + 1) and the mass of its new composition; all others, and it too, stay as form
     /// #0. Without form #0 are those that lose a replaced element, and conversions of one residue
-    /// into another (11 characters such as "Ala->Ser[A]"). Needs ReadMod() and ReadLabelInfo();
-    /// selections are stale until CreateModList() has run.
+    /// into another (11 characters such as "Ala->Ser[A]"; one without a composition keeps it).
+    /// Needs ReadMod() and ReadLabelInfo(); makes stale what ReadMod() does.
     void GenTmpMod(const std::size_t& labelIndex);
 
     // ---- Temporary tables: chem/temporary_tables.cpp ----

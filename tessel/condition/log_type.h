@@ -3,7 +3,7 @@
 namespace tessel {
 
 /// Level of a message. A message is shown when its level is not above the configured one.
-enum LOG_TYPE {
+enum LOG_TYPE : int {
     LOG_ALERT = 0,   ///< what the user must know; always shown
     LOG_SILENT = 1,  ///< as a configured level: alerts only; a message of this level prints nothing
     LOG_WARNING = 2,  ///< corrected or skipped input

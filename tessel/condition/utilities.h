@@ -28,7 +28,8 @@ TESSEL_API void AddSlash(std::string& path);
 
 /// Runs a command through the system shell. In the foreground, any exit status but 0 ends the
 /// process with status 1, after "The Program is exited when called " and the command's first word
-/// on standard error. In the background the call returns at once and no result is looked at.
+/// on standard error. In the background the call returns at once and no result is looked at; on
+/// Windows its first word must not be quoted then, because the shell would take it for a title.
 /// Standard output is flushed before.
 TESSEL_API void System(const std::string& command, bool inBackground);
 

@@ -57,6 +57,17 @@ private:
     COptionTool m_cTool;
 };
 
+// A lookup gives a missing value where it cannot read, or the empty text, without a word: this is
+// told once, before all of them.
+void report_unreadable(const CCondition& condition, const std::string& path) {
+    CLineReader lines(path, kLinePiece);
+    std::string_view line;
+    while (lines.ReadLine(line)) {
+    }
+    if ((lines.IsOpen() && !lines.Failed()) || !path_exists(path)) return;
+    condition.Message("Cannot read the parameter file: " + path, LOG_ALERT);
+}
+
 // The value, or with an alert what stands for one out of range.
 int in_range(const CCondition& condition, const VALUE_RANGE& range, int value) {
     if (value >= 0 && value <= range.m_nHighest) return value;
@@ -67,7 +78,7 @@ int in_range(const CCondition& condition, const VALUE_RANGE& range, int value) {
     return replacement;
 }
 
-std::size_t read_count(const CSection& section, CKnownKey key, const CCondition& condition) {
+std::size_t read_count(const CSection& section, CRangedKey key, const CCondition& condition) {
     return static_cast<std::size_t>(in_range(condition, key->m_cRange, section.Integer(key)));
 }
 
@@ -80,7 +91,7 @@ void read_thread_number(const CSection& param, CCondition& condition) {
 
 // The field has one byte; its range is asked of what that keeps of the number.
 unsigned char read_digest(const CSection& param, const CCondition& condition) {
-    const CKnownKey key("digest");
+    const CRangedKey key("digest");
     return static_cast<unsigned char>(
         in_range(condition, key->m_cRange, param.As<unsigned char>(key)));
 }
@@ -203,6 +214,7 @@ CConditionReader::CConditionReader(const std::string& path) : m_strPath(path) {
 }
 
 void CConditionReader::Read() {
+    report_unreadable(m_cCondition, m_strPath);
     _LoadParam();
     _LoadData();
     _LoadEngine();

@@ -15,8 +15,9 @@ public:
     explicit CConditionReader(const std::string& path);
     virtual ~CConditionReader() = default;
 
-    /// Reads every section. Messages are shown by the level LOG_INFO whatever the file sets,
-    /// because the level is read last.
+    /// Reads every section. The first call shows messages by the level LOG_INFO whatever the file
+    /// sets, because the level is read last. A file that is there but cannot be read to its end is
+    /// an alert; what could not be read is missing.
     void Read();
 
     /// Ends the process with status 1 after "Invalid_<key>_Path: [path]" unless the path is the

@@ -10,7 +10,8 @@ class CCondition;
 
 /// Writes the settings of a condition as a parameter file, which CConditionReader reads back.
 /// Doubles are written with six significant digits. Texts are written as they are: one that holds a
-/// line feed does not read back.
+/// line feed, ends in a carriage return or makes a line longer than 81919 characters does not read
+/// back, and neither does a count above 2147483647.
 class TESSEL_API CConditionWriter {
 public:
     /// The condition is not owned and must live until the last call of Write().

@@ -135,11 +135,19 @@ public:
     consteval CKnownKey(const char* key) : m_tIndex(setting_index(key)) {
         if (m_tIndex == std::size(kSettings)) throw "no such key in a parameter file";
     }
-    const SETTING& operator*() const { return kSettings[m_tIndex]; }
-    const SETTING* operator->() const { return &kSettings[m_tIndex]; }
+    constexpr const SETTING& operator*() const { return kSettings[m_tIndex]; }
+    constexpr const SETTING* operator->() const { return &kSettings[m_tIndex]; }
 
 private:
     std::size_t m_tIndex;
+};
+
+/// One whose values have limits: any other does not compile.
+class CRangedKey : public CKnownKey {
+public:
+    consteval CRangedKey(const char* key) : CKnownKey(key) {
+        if ((*this)->m_cRange.m_szName == nullptr) throw "no limits of this key's values";
+    }
 };
 
 }  // namespace tessel

@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <cstdio>
 #include <iostream>
 
 #include "tessel/platform/console.h"
@@ -8,6 +9,8 @@ namespace tessel {
 
 void set_console_colour(CONSOLE_COLOUR colour) {
     if (isatty(STDOUT_FILENO) == 0) return;
+    std::cout << std::flush;
+    std::fflush(stdout);
     switch (colour) {
         case CONSOLE_COLOUR::GREEN:
             std::cout << "\033[1;32m" << std::flush;

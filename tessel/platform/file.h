@@ -24,7 +24,7 @@ struct FILE_STATUS {
     std::uint64_t m_uSize = 0;        ///< bytes
     std::int64_t m_nTime = 0;         ///< last modification, seconds since 1970
     std::int64_t m_nNanoseconds = 0;  ///< of that time, as far as the file system keeps them
-    std::uint64_t m_uIdentity = 0;  ///< another one for a file that has taken the name; 0: unknown
+    std::uint64_t m_uIdentity = 0;    ///< another one for a file renamed over this one; 0: unknown
 };
 
 /// The one place where path texts, which use backslashes, take the host's form. Every function
@@ -55,7 +55,8 @@ bool rename_file(const std::string& from, const std::string& to);
 /// The names in a folder in byte order, without "." and ".."; nothing when it cannot be listed.
 std::optional<std::vector<std::string>> folder_entries(const std::string& path);
 
-/// The process's current working directory, without a last separator.
+/// The process's current working directory, without a last separator; but "/" for the root of a
+/// POSIX system, and there "." for a folder that was removed.
 std::string working_folder();
 
 }  // namespace tessel

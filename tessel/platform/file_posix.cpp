@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 
 #include "tessel/platform/file.h"
@@ -73,10 +74,15 @@ std::optional<std::vector<std::string>> folder_entries(const std::string& path) 
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(host_path(path).c_str()), closedir);
     if (!folder) return std::nullopt;
     std::vector<std::string> names;
-    while (const dirent* entry = readdir(folder.get())) {
+    const auto next = [&folder] {
+        errno = 0;  // the end of a folder leaves it alone, an error does not
+        return readdir(folder.get());
+    };
+    while (const dirent* entry = next()) {
         std::string name = entry->d_name;
         if (name != "." && name != "..") names.push_back(std::move(name));
     }
+    if (errno != 0) return std::nullopt;
     std::sort(names.begin(), names.end());
     return names;
 }

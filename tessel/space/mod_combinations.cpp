@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tessel/base/end_process.h"
+#include "tessel/base/mass_order.h"
 #include "tessel/condition/condition.h"
 #include "tessel/condition/mass_index.h"
 #include "tessel/platform/memory.h"

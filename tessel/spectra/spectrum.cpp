@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "tessel/base/bucket_index.h"
+#include "tessel/base/mass_order.h"
 #include "tessel/base/number.h"
 #include "tessel/condition/constants.h"
 

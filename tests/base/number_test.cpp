@@ -8,9 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "tessel/base/message_text.h"
 #include "tessel/base/plain_decimal.h"
-#include "tessel/base/word_reader.h"
 #include "tests/support/classic.h"
 
 namespace tessel {
@@ -144,20 +142,32 @@ TEST(number, random_texts_read_as_strtod_and_strtoll_read_them) {
     }
 }
 
+std::string hundredths_text(double value) {
+    char text[kMaxNumberText];
+    return std::string(text, write_hundredths(text, value));
+}
+
 TEST(number, doubles_are_written_as_printf_writes_them) {
     std::mt19937_64 random(7);
     std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
     std::uniform_int_distribution<int> exponent(-12, 12);
     for (int round = 0; round < 100000; ++round) {
         const double value = mantissa(random) * std::pow(10.0, exponent(random));
-        const std::string expected = test::printed("%.6lf %.2lf %.6g", value, value, value);
-        std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ';
+        const std::string expected =
+            test::printed("%.6lf %.2lf %.2lf %.6g", value, value, value, value);
+        std::string text =
+            fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ' + hundredths_text(value) + ' ';
         append_general(text, value);
         ASSERT_EQ(text, expected);
     }
     EXPECT_EQ(fixed_text(1e300, 6).size(), 301u + 7u);
-    EXPECT_EQ(fixed_text(-0.0, 2), "-0.00");
-    EXPECT_EQ(fixed_text(kInfinity, 2), "inf");
+    for (const auto write :
+         {+[](double value) { return fixed_text(value, 2); }, &hundredths_text}) {
+        EXPECT_EQ(write(-0.0), "-0.00");
+        EXPECT_EQ(write(-0.004), "-0.00");
+        EXPECT_EQ(write(9999999.995), "9999999.99");  // a little less, as a double
+        EXPECT_EQ(write(kInfinity), "inf");
+    }
     std::string text;
     append_general(text, 100000.0);
     append_general(text, 1e6);
@@ -185,11 +195,11 @@ TEST(number, rounding_is_that_of_printf_at_every_border) {
              {middle, std::nextafter(middle, 0.0), std::nextafter(middle, 1e308)}) {
             for (const double value : {size, -size}) {
                 const std::string expected =
-                    test::printed("%.6lf %.2lf %.0lf %.9lf %.15lf %.6g", value, value, value, value,
-                                  value, value);
+                    test::printed("%.6lf %.2lf %.2lf %.0lf %.9lf %.15lf %.6g", value, value, value,
+                                  value, value, value, value);
                 std::string text = fixed_text(value, 6) + ' ' + fixed_text(value, 2) + ' ' +
-                                   fixed_text(value, 0) + ' ' + fixed_text(value, 9) + ' ' +
-                                   fixed_text(value, 15) + ' ';
+                                   hundredths_text(value) + ' ' + fixed_text(value, 0) + ' ' +
+                                   fixed_text(value, 9) + ' ' + fixed_text(value, 15) + ' ';
                 append_general(text, value);
                 ASSERT_EQ(text, expected);
             }
@@ -269,43 +279,14 @@ TEST(number, plain_decimals_read_as_strtod_reads_them) {
     }
 }
 
-TEST(number, messages_are_cut_at_255_characters) {
-    EXPECT_EQ(message_text("Invalid: ", -5, ", ", std::size_t{7}), "Invalid: -5, 7");
-    EXPECT_EQ(message_text(std::string(300, 'a'), 1), std::string(255, 'a'));
-}
-
-TEST(word_reader, takes_words_and_numbers_from_left_to_right) {
-    CWordReader words("  M\tNORMAL 15.9x 2\n-3 ");
-    std::string sites;
-    std::string_view position;
-    double mass = 0.0;
-    std::string rest;
-    std::uint64_t count = 0;
-    int last = 0;
-    EXPECT_TRUE(words.Word(sites) && words.Word(position) && words.Read(mass));
-    EXPECT_TRUE(words.Word(rest) && words.Read(count) && words.Read(last));
-    EXPECT_EQ(sites, "M");
-    EXPECT_EQ(position, "NORMAL");
-    EXPECT_EQ(mass, 15.9);
-    EXPECT_EQ(rest, "x");
-    EXPECT_EQ(count, 2u);
-    EXPECT_EQ(last, -3);
-    EXPECT_FALSE(words.Word(rest));
-    EXPECT_EQ(rest, "x");
-}
-
-TEST(word_reader, after_a_field_that_is_no_number_nothing_is_read) {
-    CWordReader words("1 x 2");
-    int first = 9;
-    int second = 9;
-    int third = 9;
-    EXPECT_TRUE(words.Read(first));
-    EXPECT_FALSE(words.Read(second));
-    EXPECT_FALSE(words.Read(third));
-    EXPECT_FALSE(words.Good());
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(second, 0);
-    EXPECT_EQ(third, 9);
+TEST(number, truncation_saturates) {
+    constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(truncated(1.999), 1);
+    EXPECT_EQ(truncated(-1.999), -1);
+    EXPECT_EQ(truncated(1e300), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(truncated(-1e300), kLowest + 1);
+    EXPECT_EQ(truncated(kInfinity), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(truncated(std::numeric_limits<double>::quiet_NaN()), kLowest);
 }
 
 }  // namespace

@@ -61,6 +61,12 @@ TEST(padded_text, other_forms_are_refused) {
     EXPECT_EQ(length_of("-1", count), 0U);
 }
 
+TEST(padded_text, sign_of_a_refused_text_is_not_taken) {
+    double real = 7.0;
+    EXPECT_EQ(length_of("-x", real), 0U);
+    EXPECT_EQ(real, 7.0);
+}
+
 // Random texts of the characters of numbers: what is read up to a blank is what the general readers
 // read, to the bit.
 TEST(padded_text, numbers_before_a_blank_are_those_of_the_general_readers) {

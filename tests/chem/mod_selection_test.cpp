@@ -4,80 +4,21 @@
 #include <limits>
 #include <random>
 
-#include "tests/chem/chemistry.h"
+#include "tests/chem/tables.h"
 #include "tests/support/captured.h"
+#include "tests/support/temp_folder.h"
 
 namespace tessel {
 namespace {
 
 using test::captured_output;
-using test::CChemistry;
+using test::CTables;
+using test::kAll;
+using test::modification;
+using test::Names;
+using test::warning;
 
 using Index = std::vector<std::uint32_t>;
-using Names = std::vector<std::string>;
-
-constexpr const char* kAll = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
-
-CMod modification(const std::string& name, double mass, const std::string& sites = "K",
-                  MOD_TYPE type = NORMAL) {
-    CMod mod;
-    mod.m_strName = name;
-    mod.m_lfMass = mass;
-    mod.m_strSites = sites;
-    mod.m_eType = type;
-    return mod;
-}
-
-// A condition without files: the tables are set by the test.
-class CTables {
-public:
-    explicit CTables(std::vector<CMod> mods = {}) {
-        m_cCondition.m_lfMaxDelta = -1.0;
-        m_cCondition.m_vMods = std::move(mods);
-    }
-    void Residue(char letter, double mass) {
-        m_cCondition.m_cAlphaBet.m_lfMass[static_cast<std::size_t>(letter - 'A')] = mass;
-    }
-    /// Selects and returns what was written.
-    std::string Select(const std::string& fixed, const std::string& variable) {
-        m_cCondition.m_strFixMod = fixed;
-        m_cCondition.m_strSelectMod = variable;
-        return captured_output([this] { m_cCondition.CreateModList(); });
-    }
-    Names Selected() const { return NamesOf(m_cCondition.m_vSelMods); }
-    Names Slot(std::size_t slot) const { return NamesOf(m_cCondition.m_vSelModMap[slot]); }
-    Names Fixed() const {
-        Names names;
-        for (const CMod& mod : m_cCondition.m_vMods) {
-            if (m_cCondition.m_setFixMods.count(&mod) != 0) names.push_back(mod.m_strName);
-        }
-        EXPECT_EQ(names.size(), m_cCondition.m_setFixMods.size());
-        return names;
-    }
-    /// "K" or "K+name", in the order of the alphabet.
-    Names Letters() const {
-        Names names;
-        for (const ExtendedAA& letter : m_cCondition.m_vExtendedAA) {
-            const CMod* const mod = letter.m_pMod;
-            names.push_back(letter.m_cAA + (mod == nullptr ? "" : '+' + mod->m_strName));
-        }
-        return names;
-    }
-
-    CCondition m_cCondition;
-
-private:
-    static Names NamesOf(const std::vector<const CMod*>& mods) {
-        Names names;
-        for (const CMod* mod : mods)
-            names.push_back(mod->m_strName);
-        return names;
-    }
-};
-
-std::string warning(const std::string& text) {
-    return "[Tessel] WARNING: " + text + '\n';
-}
 
 // ---- Names ----
 
@@ -345,114 +286,6 @@ TEST(extended_mass_index, agrees_with_a_linear_scan) {
         EXPECT_EQ(tables.Select("", selected), "");
         ASSERT_GT(tables.m_cCondition.m_vExtendedAA.size(), 20u);
         expect_index_of(tables.m_cCondition.m_vExtendedAA, tables.m_cCondition.m_vEAAMassIndex);
-    }
-}
-
-// ---- Mass shifts ----
-
-Names shift_names(double maxDelta, double centre) {
-    CTables tables;
-    tables.m_cCondition.m_lfMaxDelta = maxDelta;
-    tables.m_cCondition.m_lfCenter = centre;
-    EXPECT_EQ(tables.Select("", ""), "");
-    Names names;
-    for (const CMod& mod : tables.m_cCondition.m_vDeltaMods)
-        names.push_back(mod.m_strName);
-    return names;
-}
-
-TEST(mass_shifts, defaults_give_100001_unique_names) {
-    CTables tables;
-    tables.m_cCondition.m_lfMaxDelta = CCondition().m_lfMaxDelta;
-    tables.Select("", "");
-    const auto& shifts = tables.m_cCondition.m_vDeltaMods;
-    ASSERT_EQ(shifts.size(), 100001u);
-    EXPECT_EQ(shifts.front().m_strName, "TESSEL_DELTA_-500.00");
-    EXPECT_EQ(shifts[50000].m_strName, "TESSEL_DELTA_-0.00");
-    EXPECT_LT(shifts[50000].m_lfMass, 0.0);
-    EXPECT_EQ(shifts.back().m_strName, "TESSEL_DELTA_500.00");
-    EXPECT_EQ(tables.m_cCondition.m_mapMods.size(), 100002u);
-    for (const CMod& mod : shifts)
-        ASSERT_EQ(tables.m_cCondition.m_mapMods.at(mod.m_strName), &mod);
-    EXPECT_EQ(tables.m_cCondition.m_mapMods.count("TESSEL_DELTA_0.00"), 0u);
-}
-
-TEST(mass_shifts, are_plain_modifications_of_any_residue) {
-    CTables tables;
-    tables.m_cCondition.m_lfMaxDelta = 0.0;
-    tables.m_cCondition.m_lfCenter = 1.25;
-    tables.Select("", "");
-    ASSERT_EQ(tables.m_cCondition.m_vDeltaMods.size(), 1u);
-    const CMod& shift = tables.m_cCondition.m_vDeltaMods[0];
-    EXPECT_EQ(shift.m_lfMass, 1.25);
-    EXPECT_EQ(shift.m_strSites, kAll);
-    EXPECT_EQ(shift.m_eType, NORMAL);
-    EXPECT_TRUE(shift.m_vLossMass.empty());
-    EXPECT_EQ(shift.m_lfProb, 1.0);
-    EXPECT_EQ(shift.m_strComposition, "H(300)");
-    EXPECT_EQ(shift.m_nFlag, 0);
-}
-
-TEST(mass_shifts, range_of_zero_gives_the_centre_alone) {
-    EXPECT_EQ(shift_names(0.0, 0.0), (Names{"TESSEL_DELTA_0.00"}));
-    EXPECT_EQ(shift_names(0.0, -79.97), (Names{"TESSEL_DELTA_-79.97"}));
-    EXPECT_EQ(shift_names(0.005, 0.0), (Names{"TESSEL_DELTA_-0.01", "TESSEL_DELTA_0.01"}));
-}
-
-// The running sum loses the last step of 0.03 and 0.05, and keeps that of 0.1.
-TEST(mass_shifts, steps_are_added_up_and_not_multiplied) {
-    EXPECT_EQ(shift_names(0.03, 0.0),
-              (Names{"TESSEL_DELTA_-0.03", "TESSEL_DELTA_-0.02", "TESSEL_DELTA_-0.01",
-                     "TESSEL_DELTA_0.00", "TESSEL_DELTA_0.01", "TESSEL_DELTA_0.02"}));
-    EXPECT_EQ(shift_names(0.05, 10.0).size(), 10u);
-    EXPECT_EQ(shift_names(0.05, 10.0).back(), "TESSEL_DELTA_10.04");
-    EXPECT_EQ(shift_names(0.1, -1.0).size(), 21u);
-    EXPECT_EQ(shift_names(0.1, -1.0).back(), "TESSEL_DELTA_-0.90");
-}
-
-TEST(mass_shifts, negative_range_gives_none) {
-    EXPECT_EQ(shift_names(-0.01, 0.0), Names());
-}
-
-TEST(mass_shifts, number_in_the_name_has_at_most_15_characters) {
-    EXPECT_EQ(shift_names(0.0, 123456789012.25), (Names{"TESSEL_DELTA_123456789012.25"}));
-    EXPECT_EQ(shift_names(0.0, 12345678901234.25), (Names{"TESSEL_DELTA_12345678901234."}));
-    EXPECT_EQ(shift_names(0.0, -1234567890123456.0), (Names{"TESSEL_DELTA_-12345678901234"}));
-}
-
-TEST(mass_shifts, of_equal_names_the_last_wins) {
-    CTables tables({modification("TESSEL_DELTA_1e", 1.0), modification("TESSEL_DELTA_0.00", 7.0)});
-    tables.m_cCondition.m_lfMaxDelta = 0.03;
-    tables.m_cCondition.m_lfCenter = 1e15;
-    tables.Select("", "TESSEL_DELTA_1e");
-    const auto& names = tables.m_cCondition.m_mapMods;
-    EXPECT_EQ(names.at("TESSEL_DELTA_100000000000000"), &tables.m_cCondition.m_vDeltaMods.back());
-    EXPECT_EQ(names.size(), 4u);
-    EXPECT_EQ(tables.Selected(), (Names{"TESSEL_DELTA_1e"}));
-
-    tables.m_cCondition.m_lfMaxDelta = 0.0;
-    tables.m_cCondition.m_lfCenter = 0.0;
-    tables.Select("", "");
-    EXPECT_EQ(names.at("TESSEL_DELTA_0.00"), &tables.m_cCondition.m_vDeltaMods.front());
-}
-
-TEST(mass_shifts, impossible_ranges_are_reported_and_give_none) {
-    struct {
-        double maxDelta;
-        const char* shown;
-    } rows[] = {{std::numeric_limits<double>::quiet_NaN(), "nan"},
-                {std::numeric_limits<double>::infinity(), "inf"},
-                {-std::numeric_limits<double>::infinity(), "-inf"},
-                {50001.0, "50001"},
-                {50000.01, "50000.01"},
-                {1e300, "1e+300"}};
-    for (const auto& row : rows) {
-        CTables tables;
-        tables.m_cCondition.m_lfMaxDelta = row.maxDelta;
-        EXPECT_EQ(tables.Select("", ""), std::string("[Tessel] ALERT: Invalid_Max_Delta: ") +
-                                             row.shown + ", no mass shifts are created\n");
-        EXPECT_TRUE(tables.m_cCondition.m_vDeltaMods.empty());
-        EXPECT_EQ(tables.m_cCondition.m_mapMods.size(), 1u);
     }
 }
 
@@ -731,6 +564,9 @@ TEST(learn_file, unreadable_pairs_repeat_the_pair_before) {
         {"-1 0.5 1 0.25", {9.0, 0.25, 9.0, 9.0}},
         {"99999999999 0.5", {9.0, 9.0, 9.0, 9.0}},
         {"1 0.5 1 0.25", {9.0, 0.25, 9.0, 9.0}},
+        // A word that is a number only in front is two fields.
+        {"0 0.5x 2 0.25", {0.5, 9.0, 9.0, 9.0}},
+        {"0.5 2 1 0.25", {0.25, 9.0, 1.0, 9.0}},
     };
     for (const auto& row : rows) {
         CLearned learned(std::string("heading\n[----mod prob end----]\n[----cleave prob----]\n") +
@@ -754,6 +590,24 @@ TEST(learn_file, selection_is_told_as_a_detail) {
     EXPECT_EQ(learned.SetSelMod(10),
               "[Tessel] DEBUG: Modifications: A/Oxidation[M]/Deamidated[N]/Acetyl[ProteinN-term]/"
               "Gln->pyro-Glu[AnyN-termQ]/Carbamidomethyl[C]/\n");
+}
+
+TEST(learn_file, without_a_selection_of_the_present_table_every_name_is_unknown) {
+    CLearned learned("heading\nA 1 0.5\n", "B");
+    const test::CTempFolder folder;
+    learned.m_cCondition.m_strModPath = folder.Write("modification.ini", "");
+    learned.Residue('K', 128.0);
+    learned.m_cCondition.HandleSelectMod();
+    learned.m_cCondition.ReadMod();
+    EXPECT_EQ(learned.Selected(), Names());
+    EXPECT_EQ(learned.Slot('K'), Names());
+    EXPECT_TRUE(learned.m_cCondition.m_setFixMods.empty());
+    EXPECT_TRUE(learned.m_cCondition.m_mapMods.empty());
+    EXPECT_EQ(learned.m_cCondition.m_vExtendedAA.back().m_pMod, nullptr);
+    std::string warnings = warning("ignore the modification: A");
+    for (const std::string& name : kCommonNames)
+        warnings += warning("ignore the modification: " + name);
+    EXPECT_EQ(learned.SetSelMod(10), warnings);
 }
 
 TEST(learn_file, letters_are_added_to_the_extended_alphabet) {

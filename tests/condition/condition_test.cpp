@@ -174,6 +174,8 @@ TEST(message, level_names) {
     EXPECT_EQ(condition.LogType2String(LOG_WARNING), "LOG_WARNING");
     EXPECT_EQ(condition.LogType2String(LOG_INFO), "LOG_INFO");
     EXPECT_EQ(condition.LogType2String(LOG_DEBUG), "LOG_DEBUG");
+    for (const int other : {-1, 5, 9})
+        EXPECT_EQ(condition.LogType2String(static_cast<LOG_TYPE>(other)), "") << other;
 }
 
 TEST(deviation, of_1000_at_20_ppm_is_0_02) {

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "tessel/param/condition_reader.h"
 #include "tests/faults/written_files.h"
 #include "tests/support/child_process.h"
 
@@ -131,6 +132,22 @@ TEST(read_only_folders, input_that_may_not_be_read_stops_merging) {
     fs::permissions(two, fs::perms::owner_all);
     EXPECT_EQ(folder.Read("one") + folder.Read("two"), "12");
     EXPECT_FALSE(folder.Has("merged"));
+}
+
+TEST(read_only_folders, parameter_file_that_may_not_be_read_is_an_alert) {
+    const test::CTempFolder folder;
+    fs::permissions(folder.Path(), fs::perms(0777));
+    const std::string path = folder.Write("run.param", "[file]\n");
+    fs::permissions(path, fs::perms::none);
+    const CHILD_END end = run_unprivileged([&] {
+        CConditionReader(path).Read();
+        return 0;
+    });
+    EXPECT_EQ(end.m_nExit, 1);
+    EXPECT_EQ(end.m_strOutput, "[Tessel] ALERT: Cannot read the parameter file: " + path +
+                                   "\n[Tessel] WARNING: Abnormal Precursor: 0.000000\n"
+                                   "[Tessel] WARNING: Abnormal Fragment: 0.000000\n"
+                                   "[Tessel] ALERT: Invalid_fastapath_Path: []\n");
 }
 
 TEST(read_only_folders, database_that_may_not_be_read_counts_as_missing) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "tessel/base/mass_order.h"
 #include "tests/fuzz/support/target.h"
 
 namespace tessel::fuzz {

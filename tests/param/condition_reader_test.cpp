@@ -523,6 +523,18 @@ TEST(condition_reader, missing_parameter_file_ends_the_process) {
 TEST(condition_reader, folder_as_parameter_file_has_only_empty_texts) {
     const test::CTempFolder folder;
     EXPECT_ENDS_PROCESS(read(folder.Path()),
+                        alert("Cannot read the parameter file: " + folder.Path()) +
+                            warning("Abnormal Precursor: 0.000000") +
+                            warning("Abnormal Fragment: 0.000000") +
+                            alert("Invalid_fastapath_Path: []"),
+                        "");
+}
+
+TEST(condition_reader, file_that_has_gone_is_no_unreadable_one) {
+    const test::CTempFolder folder;
+    CConditionReader reader(folder.Write("run.param", ""));
+    remove_file(reader.m_strPath);
+    EXPECT_ENDS_PROCESS(reader.Read(),
                         warning("Abnormal Precursor: 0.000000") +
                             warning("Abnormal Fragment: 0.000000") +
                             alert("Invalid_fastapath_Path: []"),

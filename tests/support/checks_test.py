@@ -70,7 +70,7 @@ class Checks(unittest.TestCase):
             with open(self.root / f"tessel/base/{name}.h", "a", encoding="utf-8") as file:
                 file.write(f'#include "tessel/base/{other}.h"\n')
         self.assertEqual(self.faults("check_includes"), [
-            "headers in a circle: base/line_reader.h -> base/number.h -> base/line_reader.h"])
+            "headers in a circle: base/number.h -> base/line_reader.h -> base/number.h"])
 
     def test_link_that_leads_nowhere_is_found(self):
         self.replace("docs/messages.md", "](tessel_check.md)", "](tessel_chek.md)")

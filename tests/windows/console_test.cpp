@@ -8,6 +8,7 @@
 #include <iostream>
 #include <streambuf>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tessel/condition/condition.h"
@@ -47,7 +48,7 @@ private:
     HANDLE m_hScreen;
 };
 
-// Notes the console's attribute at every piece that is written.
+// Holds what is written until it is flushed, and notes the console's attribute then.
 class CNotingBuffer : public std::streambuf {
 public:
     explicit CNotingBuffer(std::function<WORD()> attribute)
@@ -59,21 +60,23 @@ public:
 
 private:
     std::streamsize xsputn(const char* text, std::streamsize length) override {
-        Note();
-        m_strText.append(text, static_cast<std::size_t>(length));
+        m_strHeld.append(text, static_cast<std::size_t>(length));
         return length;
     }
     int_type overflow(int_type c) override {
-        Note();
-        m_strText += static_cast<char>(c);
+        m_strHeld += static_cast<char>(c);
         return c;
     }
-    void Note() {
+    int sync() override {
+        if (m_strHeld.empty()) return 0;
+        m_strText += std::exchange(m_strHeld, "");
         const WORD attribute = m_fAttribute();
         if (m_vAttributes.empty() || m_vAttributes.back() != attribute)
             m_vAttributes.push_back(attribute);
+        return 0;
     }
 
+    std::string m_strHeld;
     std::function<WORD()> m_fAttribute;
     std::streambuf* m_pBefore;
 };
@@ -111,6 +114,18 @@ TEST(console, warnings_are_bright_green_and_alerts_bright_red) {
             EXPECT_EQ(noted.m_vAttributes, std::vector<WORD>{row.attribute}) << row.text;
             EXPECT_EQ(screen.Attribute(), 7) << row.text;
         }
+    });
+}
+
+TEST(console, what_was_written_before_keeps_its_colour) {
+    test::in_console([] {
+        const CScreen screen;
+        screen.SetAttribute(7);
+        CNotingBuffer noted([&screen] { return screen.Attribute(); });
+        std::cout << "before\n";
+        CCondition().Message("text", LOG_ALERT);
+        EXPECT_EQ(noted.m_strText, "before\n[Tessel] ALERT: text\n");
+        EXPECT_EQ(noted.m_vAttributes, (std::vector<WORD>{7, 12}));
     });
 }
 

@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <cstdio>
+#include <iostream>
 
 #include "tessel/condition/utilities.h"
 #include "tests/support/captured.h"
+#include "tests/support/child_process.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -24,12 +26,25 @@ TEST(process_posix, quoted_path_has_no_active_character) {
 TEST(process_posix, background_command_runs_without_being_waited_for) {
     const test::CTempFolder folder;
     const test::CWorkingFolder here(folder.Path());
-    const auto start = std::chrono::steady_clock::now();
-    System("sleep 1 && echo done> result", true);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
-    for (int i = 0; i < 500 && !folder.Has("result"); ++i)
+    System("while [ ! -e go ]; do sleep 0.02; done; echo done > result", true);
+    EXPECT_FALSE(folder.Has("result"));
+    folder.Write("go", "");
+    for (int i = 0; i < 1000 && !folder.Has("result"); ++i)
         TSleep(20);
     EXPECT_TRUE(folder.Has("result"));
+}
+
+TEST(process_posix, standard_output_is_flushed_before_a_command_runs) {
+    for (const bool inStep : {true, false}) {
+        const auto end = test::run_in_child([inStep] {
+            std::ios::sync_with_stdio(inStep);
+            std::cout << "a";
+            std::printf("b");
+            System("echo c", false);
+            return 0;
+        });
+        EXPECT_EQ(end.m_strOutput, "abc\n") << inStep;
+    }
 }
 
 TEST(process_posix, failing_command_of_one_word_is_named_whole) {
