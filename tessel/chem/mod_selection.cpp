@@ -157,9 +157,11 @@ void CCondition::CreateModList() {
     std::stable_sort(m_vMods.begin(), m_vMods.end(), CMod::Mass_Less);
     index_masses(*this, m_vModMassIndex, m_vMods, [](const CMod& mod) { return mod.m_lfMass; });
 
+    m_mapMods.clear();
     index_names(m_mapMods, m_vMods);
     create_shifts(*this, m_vDeltaMods, m_mapMods);
 
+    m_vSelMods.clear();
     _parse_mod(m_strFixMod, true);
     _parse_mod(m_strSelectMod, false);
     HandleSelectMod();

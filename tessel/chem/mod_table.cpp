@@ -111,15 +111,11 @@ void CCondition::ReadMod() {
     }
 }
 
-// Whatever replaces or reorders m_vMods calls this: an address that stayed could be written
-// through, or come back with a later allocation as that of another modification, which would then
-// count as fixed.
+// Whatever replaces or reorders m_vMods calls this: no later allocation may bring an old address
+// back as that of another modification, which would then count as fixed. Letters live on beside
+// those of the next table.
 void CCondition::DropModAddresses() {
-    m_mapMods.clear();
-    m_vSelMods.clear();
     m_setFixMods.clear();
-    for (auto& slot : m_vSelModMap)
-        slot.clear();
     for (ExtendedAA& letter : m_vExtendedAA)
         letter.m_pMod = nullptr;
 }

@@ -181,9 +181,9 @@ public:
     // ---- Modification table: chem/mod_table.cpp ----
 
     /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes
-    /// stale whatever points into m_vMods until CreateModList() has run: selections and m_mapMods
-    /// are emptied, letters of the extended alphabet lose their m_pMod. A file that is there but
-    /// cannot be read to its end is an alert; what was read before is kept.
+    /// stale whatever points into m_vMods until CreateModList() has run, selections and m_mapMods;
+    /// empties m_setFixMods, and letters of the extended alphabet lose their m_pMod. A file that is
+    /// there but cannot be read to its end is an alert; what was read before is kept.
     void ReadMod();
 
     // ---- Modification selection: chem/mod_selection.cpp ----
@@ -217,7 +217,7 @@ public:
     /// and probabilities; a probability that cannot be read stays as it was, its modification is
     /// selected all the same. An unknown name is a warning. False, and nothing changed, when the
     /// file cannot be opened. Needs CreateModList() since the last ReadMod(), GenTmpMod() or
-    /// WriteConfFiles(); without it every name is unknown.
+    /// WriteConfFiles().
     bool SetSelMod(const std::size_t& maxMods);
 
     // ---- Quantitation labels: chem/labels.cpp ----

@@ -592,24 +592,6 @@ TEST(learn_file, selection_is_told_as_a_detail) {
               "Gln->pyro-Glu[AnyN-termQ]/Carbamidomethyl[C]/\n");
 }
 
-TEST(learn_file, without_a_selection_of_the_present_table_every_name_is_unknown) {
-    CLearned learned("heading\nA 1 0.5\n", "B");
-    const test::CTempFolder folder;
-    learned.m_cCondition.m_strModPath = folder.Write("modification.ini", "");
-    learned.Residue('K', 128.0);
-    learned.m_cCondition.HandleSelectMod();
-    learned.m_cCondition.ReadMod();
-    EXPECT_EQ(learned.Selected(), Names());
-    EXPECT_EQ(learned.Slot('K'), Names());
-    EXPECT_TRUE(learned.m_cCondition.m_setFixMods.empty());
-    EXPECT_TRUE(learned.m_cCondition.m_mapMods.empty());
-    EXPECT_EQ(learned.m_cCondition.m_vExtendedAA.back().m_pMod, nullptr);
-    std::string warnings = warning("ignore the modification: A");
-    for (const std::string& name : kCommonNames)
-        warnings += warning("ignore the modification: " + name);
-    EXPECT_EQ(learned.SetSelMod(10), warnings);
-}
-
 TEST(learn_file, letters_are_added_to_the_extended_alphabet) {
     CLearned learned("heading\nA 1 0.5\n", "B");
     learned.m_cCondition.m_vExtendedAA.clear();

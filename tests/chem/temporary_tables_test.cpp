@@ -316,8 +316,14 @@ TEST(reloading, selection_before_leaves_no_address_behind) {
     condition.ReadMod();
     condition.CreateModList();
     EXPECT_EQ(condition.m_vExtendedAA.size(), 3u);
+    const auto lettersWithMod = [&condition] {
+        return std::count_if(condition.m_vExtendedAA.begin(), condition.m_vExtendedAA.end(),
+                             [](const ExtendedAA& letter) { return letter.m_pMod != nullptr; });
+    };
+    EXPECT_GT(lettersWithMod(), 0);
     condition.WriteConfFiles();
     EXPECT_TRUE(condition.m_setFixMods.empty());
+    EXPECT_EQ(lettersWithMod(), 0);
     condition.ReLoadAllMods();
     for (const CMod* mod : condition.m_setFixMods) {
         EXPECT_GE(mod, condition.m_vMods.data());
@@ -326,9 +332,7 @@ TEST(reloading, selection_before_leaves_no_address_behind) {
     EXPECT_EQ(condition.m_setFixMods.size(), 2u);
     // Of the older letters the masses are left, of the new ones those of the heavy lysine.
     EXPECT_EQ(condition.m_vExtendedAA.size(), 7u);
-    EXPECT_EQ(std::count_if(condition.m_vExtendedAA.begin(), condition.m_vExtendedAA.end(),
-                            [](const ExtendedAA& letter) { return letter.m_pMod != nullptr; }),
-              2);
+    EXPECT_EQ(lettersWithMod(), 2);
 }
 
 TEST(reloading, relabelled_table_forgets_the_fixed_modifications) {
