@@ -65,6 +65,13 @@ inline const char* read_short(const char* text, int& value) {
     return end;
 }
 
+inline const char* read_short(const char* text, std::int64_t& value) {
+    int number = 0;
+    const char* const end = read_short(text, number);
+    value = number;
+    return end;
+}
+
 /// A decimal number of at most 15 digits, without an exponent or with a negative one: digits and
 /// power of ten are exact doubles then, so that one division rounds as it should.
 inline const char* read_short_magnitude(const char* text, double& value) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -18,6 +19,8 @@
 #include "tessel/base/word_reader.h"
 #include "tessel/condition/condition.h"
 #include "tessel/platform/file.h"
+#include "tessel/result/failed_lists.h"
+#include "tessel/result/load_results.h"
 #include "tessel/result/result_text.h"
 
 namespace tessel {
@@ -68,13 +71,25 @@ private:
     std::vector<SLOT> m_vSlots;
 };
 
+// A source of fields: each function takes the next token and is false when it is not of this kind.
+template <class Tokens>
+concept TokenSource = requires(Tokens tokens, std::string_view word, unsigned count, double number,
+                               PRO_INFO hit, std::uint64_t bytes) {
+    { tokens.Word(word) } -> std::same_as<bool>;
+    { tokens.Number(count) } -> std::same_as<bool>;
+    { tokens.Number(number) } -> std::same_as<bool>;
+    { tokens.Hit(hit) } -> std::same_as<bool>;
+    { tokens.MayHold(bytes) } -> std::same_as<bool>;
+};
+
 // Reads the fields of a candidate behind its rank, in the order of the file. Every function is
 // false when a field cannot be read as its kind.
-template <class Tokens>
+template <TokenSource Tokens>
 class CPepFields {
 public:
-    CPepFields(const CCondition& condition, CKnownMods& mods, Tokens& tokens)
-        : m_cCondition(condition), m_cMods(mods), m_cTokens(tokens) {}
+    CPepFields(const CCondition& condition, CKnownMods& mods, Tokens& tokens,
+               CFailedLists& failedLists)
+        : m_cCondition(condition), m_cMods(mods), m_cTokens(tokens), m_cFailedLists(failedLists) {}
 
     bool Read(const CPSMRes& psm, CPepRes& pep) {
         std::string_view sequence;
@@ -89,21 +104,17 @@ public:
 private:
     // Where a list begins, counted in tokens of the record; each site adds two.
     static constexpr std::uint64_t kFieldsBeforeHits = 11;
-    // A list that fails later than this has cost enough to be remembered.
-    static constexpr int kLongList = 100;
 
     static std::uint64_t HitsAt(const CPepRes& pep) {
         return kFieldsBeforeHits + 2 * std::uint64_t{pep.m_ucModNum};
     }
 
     bool FieldsBehindHits(CPepRes& pep) {
-        if (Byte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
+        if (UnsignedByte(pep.m_ucAux2) && Numbers(pep.m_lfSubScores) && Numbers(pep.m_nAuxA) &&
             Numbers(pep.m_nAuxB)) {
             return true;
         }
-        if (m_nHits > kLongList) {
-            m_cTokens.NoteBadEnd(HitsAt(pep) + static_cast<std::uint64_t>(m_nHits));
-        }
+        m_cFailedLists.AddBadEnd(HitsAt(pep), static_cast<std::uint64_t>(m_nHits));
         return false;
     }
 
@@ -121,6 +132,17 @@ private:
     bool Byte(unsigned char& byte) {
         int value = 0;
         if (!m_cTokens.Number(value)) return false;
+        byte = static_cast<unsigned char>(value);
+        return true;
+    }
+
+    // Its low 8 bits, too, but an int would saturate at half the range; negative ones are taken as
+    // in any other byte.
+    bool UnsignedByte(unsigned char& byte) {
+        std::int64_t value = 0;
+        if (!m_cTokens.Number(value)) return false;
+        value = std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(),
+                                         std::numeric_limits<unsigned>::max());
         byte = static_cast<unsigned char>(value);
         return true;
     }
@@ -157,10 +179,7 @@ private:
         int count = 0;
         if (!m_cTokens.Number(count) || count < 0) return false;
         if (!m_cTokens.MayHold(static_cast<std::uint64_t>(count) * kShortestHit)) return false;
-        if (count > kLongList &&
-            m_cTokens.ListFails(HitsAt(pep), static_cast<std::uint64_t>(count))) {
-            return false;
-        }
+        if (m_cFailedLists.Holds(HitsAt(pep), static_cast<std::uint64_t>(count))) return false;
         for (m_nHits = 0; m_nHits < count; ++m_nHits) {
             PRO_INFO hit;
             if (!m_cTokens.Hit(hit)) return BadHit(pep);
@@ -173,15 +192,14 @@ private:
     }
 
     bool BadHit(const CPepRes& pep) {
-        if (m_nHits > kLongList) {
-            m_cTokens.NoteBadHit(HitsAt(pep) + static_cast<std::uint64_t>(m_nHits));
-        }
+        m_cFailedLists.AddBadHit(HitsAt(pep), static_cast<std::uint64_t>(m_nHits));
         return false;
     }
 
     const CCondition& m_cCondition;
     CKnownMods& m_cMods;
     Tokens& m_cTokens;
+    CFailedLists& m_cFailedLists;
     int m_nHits = 0;  // of the current record, as far as they are read
 };
 
@@ -292,11 +310,11 @@ void report_faults(const CCondition& condition, const std::string& path, bool un
 template <class Choice>
 class CFileLoader {
 public:
-    CFileLoader(CCondition& condition, std::FILE* file, Choice choice)
+    CFileLoader(CCondition& condition, std::FILE* file, Choice choice, std::uint64_t longList)
         : m_mapResults(condition.m_mapPSMRes),
-          m_cText(file),
+          m_cText(file, longList),
           m_cMods(condition.m_mapMods, CKnownMods::kSlots),
-          m_cFields(condition, m_cMods, m_cText),
+          m_cFields(condition, m_cMods, m_cText, m_cText.FailedLists()),
           m_cChoice(choice),
           m_cEntry(m_mapResults.end()) {}
 
@@ -342,16 +360,22 @@ private:
 };
 
 template <class Choice>
-void load_file(CCondition& condition, const std::string& path, const Choice& choice) {
+void load_file(CCondition& condition, const std::string& path, const Choice& choice,
+               std::uint64_t longList) {
     const FilePtr file = open_file(path, "rb");
     if (!file) {
         condition.Message("Cannot open the result file: " + path, LOG_ALERT);
         return;
     }
-    CFileLoader<Choice>(condition, file.get(), choice).Load(condition, path);
+    CFileLoader<Choice>(condition, file.get(), choice, longList).Load(condition, path);
 }
 
 }  // namespace
+
+void load_first_peps(CCondition& condition, const std::string& path, std::uint64_t maxPeps,
+                     double maxFinalScore, std::uint64_t longList) {
+    load_file(condition, path, CFirstPeps(maxPeps, maxFinalScore), longList);
+}
 
 int CCondition::InitialResMap() {
     m_mapPSMRes.clear();
@@ -374,19 +398,20 @@ int CCondition::InitialResMap() {
 int CCondition::_ReadOnePep(const CPSMRes& psm, CPepRes& pep, char* buffer, std::FILE* file) {
     CStreamTokens tokens(file, buffer);
     CKnownMods mods(m_mapMods, 1);
-    CPepFields<CStreamTokens>(*this, mods, tokens).Read(psm, pep);
+    CFailedLists none;  // nothing is learnt from one record
+    CPepFields<CStreamTokens>(*this, mods, tokens, none).Read(psm, pep);
     pep.m_lfMassDev = psm.m_lfMH - pep.m_lfPepMass;
     return 1;
 }
 
 int CCondition::_LoadResult(const std::string& path, const unsigned long long& maxPeps,
                             const double& maxFinalScore) {
-    load_file(*this, path, CFirstPeps(maxPeps, maxFinalScore));
+    load_first_peps(*this, path, maxPeps, maxFinalScore, CFailedLists::kLongList);
     return 1;
 }
 
 int CCondition::_LoadGroupResult(const std::string& path) {
-    load_file(*this, path, CBestPep());
+    load_file(*this, path, CBestPep(), CFailedLists::kLongList);
     return 1;
 }
 

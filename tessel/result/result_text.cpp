@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
+
+#include "tessel/platform/file.h"
 
 namespace tessel {
 
@@ -25,60 +26,44 @@ bool may_hold(std::FILE* file, std::uint64_t bytes) {
     return left == 0 || bytes <= left;
 }
 
-CResultText::CResultText(std::FILE* file)
+CResultText::CResultText(std::FILE* file, std::uint64_t longList)
     : m_pFile(file),
       m_vBuffer((std::size_t{1} << 18) + kTextPadding),
       m_pNext(m_vBuffer.data()),
       m_pEnd(m_vBuffer.data()),
-      m_pRecord(m_vBuffer.data()) {
+      m_pRecord(m_vBuffer.data()),
+      m_cFailedLists(longList) {
     Refill();
     if (Held() >= 3 && std::memcmp(m_pNext, "\xEF\xBB\xBF", 3) == 0) m_pNext += 3;
 }
 
 void CResultText::LeaveRecord() {
-    m_bInRecord = m_bNoting;  // the line then stays in the buffer until its tokens are counted
+    // Where there are failed lists, the line stays in the buffer until its tokens are counted.
+    m_bInRecord = !m_cFailedLists.IsEmpty();
     m_pNext = m_pRecord;
     m_uLine = m_uRecordLine;
     while (!TakeLine(Held()) && Refill()) {
     }
 }
 
-void CResultText::BeginNoting() {
-    if (m_bNoting) return;
-    m_bNoting = true;
-    m_uRecordAt = 0;
-    m_uBadHit = std::numeric_limits<std::uint64_t>::max();
-    m_vBadEnds.clear();
-}
-
-void CResultText::NoteBadHit(std::uint64_t position) {
-    BeginNoting();
-    m_uBadHit = m_uRecordAt + position;
-}
-
-void CResultText::NoteBadEnd(std::uint64_t position) {
-    BeginNoting();
-    m_vBadEnds.push_back(m_uRecordAt + position);
-}
-
-bool CResultText::IsBadList(std::uint64_t first, std::uint64_t count) const {
-    const std::uint64_t end = m_uRecordAt + first + count;
-    return end > m_uBadHit ||
-           std::find(m_vBadEnds.begin(), m_vBadEnds.end(), end) != m_vBadEnds.end();
-}
-
 void CResultText::CountRecord() {
+    std::uint64_t tokens = 0;
     std::size_t length = 0;  // of the token
     for (const char* c = m_pRecord; c != m_pNext && length <= kLinePiece; ++c) {
         if (is_blank(*c)) {
             length = 0;
         } else if (++length == 1) {
-            ++m_uRecordAt;
+            ++tokens;
         }
     }
-    // Tokens that are cut are counted otherwise when they are read. They are given up, and so is
-    // what lies behind.
-    m_bNoting = length <= kLinePiece && (length == 0 || !AtToken()) && m_uRecordAt <= m_uBadHit;
+    // Tokens that are cut are counted otherwise when they are read. Positions behind them are of no
+    // use. The end of the buffer counts as a cut: what comes next is not known.
+    const bool isBetweenTokens = length == 0 || is_blank(*m_pNext);
+    if (length > kLinePiece || !isBetweenTokens) {
+        m_cFailedLists.Clear();
+    } else {
+        m_cFailedLists.PassRecord(tokens);
+    }
 }
 
 bool CResultText::Token(std::string_view& token) {
@@ -116,6 +101,11 @@ bool CResultText::AnyNumber(int& value) {
 }
 
 bool CResultText::AnyNumber(unsigned& value) {
+    std::string_view token;
+    return Token(token) && read_number(token, value);
+}
+
+bool CResultText::AnyNumber(std::int64_t& value) {
     std::string_view token;
     return Token(token) && read_number(token, value);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -12,7 +10,7 @@
 #include "tessel/base/number.h"
 #include "tessel/base/padded_text.h"
 #include "tessel/base/text.h"
-#include "tessel/platform/file.h"
+#include "tessel/result/failed_lists.h"
 #include "tessel/result/pro_info.h"
 
 namespace tessel {
@@ -48,13 +46,13 @@ bool may_hold(std::FILE* file, std::uint64_t bytes);
 class CResultText {
 public:
     /// Reads an open file from its start, behind a UTF-8 byte-order mark, and does not own it.
-    explicit CResultText(std::FILE* file);
+    explicit CResultText(std::FILE* file, std::uint64_t longList = CFailedLists::kLongList);
     CResultText(const CResultText&) = delete;
     CResultText& operator=(const CResultText&) = delete;
 
     /// The next token, which begins a new record. False at the end of the file.
     bool NextRecord(std::string_view& token) {
-        if (m_bNoting && m_bInRecord) CountRecord();
+        if (!m_cFailedLists.IsEmpty() && m_bInRecord) CountRecord();
         m_bInRecord = false;
         if (!AtToken() && !SkipBlanks()) return false;
         m_bInRecord = true;
@@ -114,19 +112,9 @@ public:
         return !m_bFileEnded && may_hold(m_pFile, bytes - Held());
     }
 
-    // A record whose list of hits is too long swallows the records behind it before it fails, and
-    // the next record may do the same: reading would take the square of the file's length. What a
-    // long list failed at is therefore kept, and lists that would come to it fail at once.
-    // Positions count the tokens from the first one of the current record.
-
-    /// Whether a list of so many hits is known to fail, or the fields behind it.
-    bool ListFails(std::uint64_t first, std::uint64_t count) const {
-        return m_bNoting && IsBadList(first, count);
-    }
-    /// The token at the position is no hit; a list has come to it.
-    void NoteBadHit(std::uint64_t position);
-    /// The fields behind a list that ends before the position cannot be read.
-    void NoteBadEnd(std::uint64_t position);
+    /// The lists of the records read so far that are known to fail. While there are any, what has
+    /// been passed is counted in tokens.
+    CFailedLists& FailedLists() { return m_cFailedLists; }
 
     /// Reading stopped at an error of the file, not at its end.
     bool Failed() const { return std::ferror(m_pFile) != 0; }
@@ -161,11 +149,11 @@ private:
     bool AnyNumber(double& value);
     bool AnyNumber(int& value);
     bool AnyNumber(unsigned& value);
+    bool AnyNumber(std::int64_t& value);
     bool AnyHit(PRO_INFO& hit);
 
-    bool IsBadList(std::uint64_t first, std::uint64_t count) const;
-    void BeginNoting();
-    // Passes the tokens of the current record, which ends at the present place.
+    // Tells the failed lists how many tokens the current record has, which ends at the present
+    // place.
     void CountRecord();
 
     bool AtToken() const { return m_pNext != m_pEnd && !is_blank(*m_pNext); }
@@ -185,12 +173,7 @@ private:
     bool m_bFileEnded = false;
     std::uint64_t m_uLine = 1;  // of the next character
     std::uint64_t m_uRecordLine = 1;
-
-    // Lists that are known to fail, by positions that count from where noting began.
-    bool m_bNoting = false;
-    std::uint64_t m_uRecordAt = 0;  // position of the current record
-    std::uint64_t m_uBadHit = 0;
-    std::vector<std::uint64_t> m_vBadEnds;
+    CFailedLists m_cFailedLists;
 };
 
 /// The tokens of a stream that others read, too: it is left right behind the last token.
@@ -226,11 +209,6 @@ public:
 
     /// Whether so many bytes may follow.
     bool MayHold(std::uint64_t bytes) const { return may_hold(m_pFile, bytes); }
-
-    // One record alone is read from a stream: nothing is to be learnt from its failure.
-    static bool ListFails(std::uint64_t, std::uint64_t) { return false; }
-    static void NoteBadHit(std::uint64_t) {}
-    static void NoteBadEnd(std::uint64_t) {}
 
 private:
     std::FILE* m_pFile;

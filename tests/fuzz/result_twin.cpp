@@ -5,6 +5,8 @@
 #include <limits>
 
 #include "tessel/condition/condition.h"
+#include "tessel/result/failed_lists.h"
+#include "tessel/result/load_results.h"
 #include "tests/fuzz/support/plain_text.h"
 #include "tests/fuzz/support/target.h"
 
@@ -97,6 +99,12 @@ private:
         return number.value;
     }
     unsigned char Byte() { return static_cast<unsigned char>(Whole()); }
+    unsigned char UnsignedByte() {
+        const auto value = Whole<std::int64_t>();
+        return static_cast<unsigned char>(value < -2147483648LL  ? 0
+                                          : value > 4294967295LL ? 255
+                                                                 : value);
+    }
 
     void Head() {
         std::vector<std::string> words = plain_words(Line());
@@ -130,7 +138,7 @@ private:
         m_bGood = m_bGood && hits >= 0;
         for (int i = 0; i < hits && m_bGood; ++i)
             Hit(pep);
-        pep.m_ucAux2 = Byte();
+        pep.m_ucAux2 = UnsignedByte();
         for (double& score : pep.m_lfSubScores)
             score = Real();
         for (int& number : pep.m_nAuxA)
@@ -191,17 +199,8 @@ void check_pep(const CPepRes& plain, const CPepRes& pep) {
     check(pep.m_nAuxA == plain.m_nAuxA && pep.m_nAuxB == plain.m_nAuxB, "integers are read");
 }
 
-}  // namespace
-
-void run(CBytes input) {
-    const std::size_t maxPeps = 1 + input.Choice(8);
-    const double maxFinalScore = input.Flag() ? 0.5 : std::numeric_limits<double>::infinity();
-    write_scratch("a.res", input.Text());
-    CCondition condition;
-    std::vector<CMod> mods(2);
-    condition.m_mapMods = {{"Oxidation[M]", &mods[0]}, {"Acetyl[N]", &mods[1]}};
-    condition._LoadResult(scratch_path("a.res"), maxPeps, maxFinalScore);
-    const auto expected = CPlainResults(input.Text()).Read(maxPeps, maxFinalScore);
+void check_results(const std::map<std::string, PLAIN_SPECTRUM>& expected,
+                   const CCondition& condition) {
     check(condition.m_mapPSMRes.size() == expected.size(), "every spectrum is read");
     for (const auto& [title, plain] : expected) {
         const auto found = condition.m_mapPSMRes.find(title);
@@ -215,6 +214,23 @@ void run(CBytes input) {
             check_pep(plain.m_vPeps[i].m_cPep, spectrum.m_vPeps[i]);
             check_sites(plain.m_vPeps[i], spectrum.m_vPeps[i], condition);
         }
+    }
+}
+
+}  // namespace
+
+void run(CBytes input) {
+    const std::size_t maxPeps = 1 + input.Choice(8);
+    const double maxFinalScore = input.Flag() ? 0.5 : std::numeric_limits<double>::infinity();
+    write_scratch("a.res", input.Text());
+    const auto expected = CPlainResults(input.Text()).Read(maxPeps, maxFinalScore);
+    std::vector<CMod> mods(2);
+    // With every list that fails kept, too, as small inputs have no long ones.
+    for (const std::uint64_t longList : {CFailedLists::kLongList, std::uint64_t{0}}) {
+        CCondition condition;
+        condition.m_mapMods = {{"Oxidation[M]", &mods[0]}, {"Acetyl[N]", &mods[1]}};
+        load_first_peps(condition, scratch_path("a.res"), maxPeps, maxFinalScore, longList);
+        check_results(expected, condition);
     }
 }
 

@@ -12,6 +12,8 @@
 
 #include "tessel/condition/condition.h"
 #include "tessel/platform/file.h"
+#include "tessel/result/failed_lists.h"
+#include "tessel/result/load_results.h"
 #include "tessel/result/result_text.h"
 #include "tests/result/result_records.h"
 #include "tests/support/captured.h"
@@ -273,6 +275,24 @@ TEST_F(read_results, byte_fields_take_the_low_8_bits_and_any_nonzero_flag_is_1) 
     EXPECT_EQ(Peps("t").at(1).m_bDecoy, 1);
     EXPECT_EQ(Peps("t").at(1).m_ucAux2, 255);
     EXPECT_EQ(Peps("t").at(2).m_bDecoy, 0);
+}
+
+TEST_F(read_results, third_flag_byte_is_read_as_unsigned) {
+    const auto third = [this](const std::string& text) {
+        Results().clear();
+        EXPECT_EQ(Load(head("t") + pep_line("AAK", "1", "1", "1",
+                                            "0 0 0 0 0 " + text + " 1 2 3 4 5 1 2 3 4 5 6 7 8")),
+                  "");
+        return int{Peps("t").at(0).m_ucAux2};
+    };
+    EXPECT_EQ(third("2147483648"), 0);
+    EXPECT_EQ(third("3000000000"), 0);  // 0xB2D05E00
+    EXPECT_EQ(third("3000000007"), 7);
+    EXPECT_EQ(third("4294967294"), 254);
+    EXPECT_EQ(third("4294967296"), 255);  // the largest
+    EXPECT_EQ(third("99999999999999999999"), 255);
+    EXPECT_EQ(third("-2"), 254);
+    EXPECT_EQ(third("-99999999999"), 0);
 }
 
 TEST_F(read_results, text_behind_a_number_is_ignored_and_integers_saturate) {
@@ -564,9 +584,15 @@ TEST_F(read_results, random_bytes_never_end_reading_early_or_crash) {
         const std::size_t length = random() % 3000;
         for (std::size_t i = 0; i < length; ++i)
             text += alphabet[random() % alphabet.size()];
+        // More than the fields of any record that begins there without hits or sites: none takes
+        // the words behind for its own.
+        text += '\n';
+        for (int i = 0; i < 40; ++i)
+            text += "x ";
         Results().clear();
-        Load(text);
+        Load(text + '\n' + head("after") + pep_line("CCK"));
         ASSERT_EQ(Peps("before").at(0).m_strSeq, "AAK");
+        ASSERT_EQ(sequences(Peps("after")), "CCK") << round;
     }
 }
 
@@ -936,7 +962,7 @@ TEST_F(read_results, last_spectrum_of_a_title_wins_with_one_warning) {
 
 // Each row begins a record that claims more hits than the file holds. Reading on to the end for
 // every one of them would take minutes.
-TEST(result_text, hit_counts_beyond_the_file_are_refused_at_once) {
+TEST(read_results_time, hit_counts_beyond_the_file_are_refused_at_once) {
     const test::CTempFolder folder;
     std::string text = "S\t1\t2\nt\n";
     for (int i = 0; i < 20'000; ++i)
@@ -983,6 +1009,22 @@ TEST(read_results_time, records_that_swallow_all_others_take_no_square_of_the_le
     }
 }
 
+TEST(read_results_time, lists_with_ends_of_their_own_take_no_square_of_the_length) {
+    // The fields behind each list are bad, so that every list is kept; none may stay for good.
+    constexpr int kRecords = 400'000;
+    const test::CTempFolder folder;
+    std::string text = head("t");
+    for (int i = 0; i < kRecords; ++i)
+        text += "1 A 1 1 1 1 0 0 0 0 1 1;1;A;B x\n";
+    const std::string path = folder.Write("hostile", text);
+    CCondition condition;
+    const auto start = std::chrono::steady_clock::now();
+    const std::string output =
+        test::captured_output([&] { load_first_peps(condition, path, 10, kInfinity, 0); });
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_NE(output.find("dropped: 400000, the first on line 3 "), std::string::npos) << output;
+}
+
 TEST(read_results_time, lists_that_cannot_be_read_do_not_hide_those_that_can) {
     // Each of 300 records fails at the "x" behind them, whose line begins one that is complete; a
     // second such part follows, with lists that end before its "x".
@@ -1008,6 +1050,82 @@ TEST(read_results_time, lists_that_cannot_be_read_do_not_hide_those_that_can) {
     EXPECT_EQ(peps[1].m_setProteins.size(), 2u);
     EXPECT_EQ(peps[301].m_setProteins.size(), 200u);
     EXPECT_EQ(peps[302].m_strSeq, "CCK");
+}
+
+TEST_F(read_results, complete_record_whose_rank_ended_the_list_before_is_kept) {
+    std::string hits;
+    for (int i = 0; i < 150; ++i)
+        hits += ' ' + std::to_string(i) + ";1;A;B";
+    EXPECT_EQ(Load(head("t") + "1 AAK 1 1 1 1 0 0 0 0 200" + hits + '\n' +
+                   "1 CCK 1 1 1 1 0 0 0 0 150" + hits + " 0 1 2 3 4 5 1 2 3 4 5 6 7 8\n"),
+              malformed(1, 3));
+    ASSERT_EQ(sequences(Peps("t")), "CCK");
+    EXPECT_EQ(Peps("t")[0].m_setProteins.size(), 150U);
+}
+
+// ---- What is kept of lists that fail never changes what is read ----
+
+// Records whose counts are wrong more often than not, of words that serve as numbers and hits
+// alike, so that lists run over the records behind them and end anywhere.
+std::string wild_records(std::mt19937& random) {
+    const auto below = [&random](unsigned limit) {
+        return static_cast<unsigned>(random() % limit);
+    };
+    const auto end = [&] { return below(8) == 0 ? '\n' : ' '; };
+    const unsigned badWords = 1 + below(60);  // of a thousand
+    const unsigned longest = 1 + below(300);
+    std::string text;
+    for (unsigned record = 2 + below(40); record > 0; --record) {
+        if (below(12) == 0) text += "S 5 2\nspectrum " + std::to_string(below(5)) + '\n';
+        const unsigned sites = below(4) == 0 ? below(20) : 0;
+        const unsigned hits = below(longest);
+        std::vector<std::string> words{"1", "AAK", "1", "1", "1", "1", std::to_string(sites)};
+        for (unsigned i = 0; i < 2 * sites; ++i)
+            words.push_back(std::to_string(i));
+        const unsigned claimed = below(3) == 0 ? hits : below(2 * longest);
+        for (const unsigned field : {0U, 0U, 0U, claimed})
+            words.push_back(std::to_string(field));
+        for (unsigned i = 0; i < hits; ++i)
+            words.push_back(std::to_string(below(longest)) + ";1;A;B");
+        for (unsigned i = 0; i < 14; ++i)
+            words.push_back(std::to_string(i));
+        for (std::string& word : words) {
+            if (below(1000) < badWords) word = below(3) == 0 ? "S" : "x";
+            if (below(3) == 0 && word[0] != 'S' && word[0] != 'x' && word.back() != 'B') {
+                word += ";1;A;B";
+            }
+            text += word + end();
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+TEST_F(read_results, lists_that_are_kept_change_nothing_of_what_is_read) {
+    constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
+    std::mt19937 random(7);
+    std::size_t kept = 0;
+    for (int round = 0; round < 1000; ++round) {
+        const std::string path = m_cFolder.Write("wild.txt", wild_records(random));
+        std::vector<std::string> reports;
+        std::vector<std::string> results;
+        for (const std::uint64_t longList :
+             {kNever, std::uint64_t{0}, std::uint64_t{3}, CFailedLists::kLongList}) {
+            CCondition condition;
+            const std::string report = captured_output(
+                [&] { load_first_peps(condition, path, 1000, kInfinity, longList); });
+            // Hits that name a protein twice are told for each list that is read.
+            const std::size_t dropped = report.find("[Tessel] ALERT: Malformed");
+            reports.push_back(dropped == std::string::npos ? "" : report.substr(dropped));
+            results.push_back(described(condition.m_mapPSMRes));
+            kept += condition.m_mapPSMRes.size();
+        }
+        for (std::size_t i = 1; i < results.size(); ++i) {
+            ASSERT_EQ(results[i], results[0]) << round << ' ' << i;
+            ASSERT_EQ(reports[i], reports[0]) << round << ' ' << i;
+        }
+    }
+    EXPECT_GT(kept, 4000U);
 }
 
 }  // namespace
