@@ -320,14 +320,17 @@ public:
     /// Turns the search to the sub-database output path + output name + ".sub.fasta", which the
     /// engine has written; returns 1.
     int SetSubFasta();
+
+    // ---- Index files: database/index_files.cpp ----
+
     /// Accession file of the searched database: its path with ".pac" for the last six characters.
     std::string GetACPath() const;
     /// Description file of the searched database: likewise with ".pde".
     std::string GetDEPath() const;
     /// Replaces `acs` by the lines of the accession file up to the first empty one; no line when
-    /// the file is missing.
+    /// the file is missing. One that is there and cannot be read is an alert.
     void ReadProteinAC(std::vector<std::string>& acs) const;
-    /// Replaces `des` by all lines of the description file, empty ones included.
+    /// Replaces `des` by all lines of the description file, empty ones included; likewise.
     void ReadProteinDE(std::vector<std::string>& des) const;
     /// Has the external indexing tool write the accession and description files of a database anew,
     /// unless both are there and not older than m_strInputFastaPath. A failing tool ends the

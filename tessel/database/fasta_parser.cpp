@@ -133,7 +133,11 @@ std::size_t CFastaParser::GetEntryNum(std::ifstream& stream) {
     char before = '\n';  // the character in front of the block
 
     stream.clear();
-    stream.seekg(0);
+    if (!stream.seekg(0)) {
+        // A pipe, say: what can be read only once cannot be counted first. It is not empty.
+        stream.setstate(std::ios::badbit);
+        return 0;
+    }
     while (stream.read(buffer.data(), buffer.size()), stream.gcount() > 0) {
         const std::string_view block(buffer.data(), static_cast<std::size_t>(stream.gcount()));
         const std::size_t start =

@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -11,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tests/database/database_folder.h"
 #include "tests/database/indexing_tool.h"
@@ -101,6 +104,29 @@ TEST_F(prepare_database_posix, database_that_cannot_be_read_is_fatal) {
         m_cCondition.SetFastaPath(),
         CannotWrite(": " + m_cFolder.Path("db.fasta") + " cannot be read to its end"), "");
     EXPECT_FALSE(m_cFolder.Has("db.fasta_td.fasta"));
+}
+
+// A pipe, a process substitution: an open end for writing keeps it from being waited for.
+TEST_F(prepare_database_posix, database_that_can_be_read_only_once_is_fatal_and_no_empty_one) {
+    const std::string path = m_cFolder.Path("db.fasta");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int bothEnds = open(path.c_str(), O_RDWR);
+    ASSERT_GE(bothEnds, 0);
+    EXPECT_ENDS_PROCESS(m_cCondition.SetFastaPath(),
+                        CannotWrite(": " + path + " cannot be read to its end"), "");
+    close(bothEnds);
+    EXPECT_EQ(FilesInFolder(), 1U);
+}
+
+TEST_F(prepare_database_posix, index_file_that_fails_while_it_is_read_is_an_alert) {
+    if (!fs::exists("/proc/self/mem")) GTEST_SKIP() << "no such file on this system";
+    m_cCondition.m_strInputFastaPath = m_cFolder.Path("db.fasta");
+    const std::string path = m_cFolder.Path("db.pac");
+    fs::create_symlink("/proc/self/mem", path);
+    std::vector<std::string> acs = {"before"};
+    EXPECT_EQ(test::captured_output([&] { m_cCondition.ReadProteinAC(acs); }),
+              "[Tessel] ALERT: Cannot read the index file: " + path + '\n');
+    EXPECT_TRUE(acs.empty());
 }
 
 TEST_F(prepare_database_posix, failed_rename_is_fatal) {

@@ -267,6 +267,14 @@ TEST_F(prepare_database, old_leftovers_of_this_database_are_removed) {
                                              "db.fasta_td.fasta.tmp",
                                              "db.fasta_td.fasta.1.2.tmp.bak",
                                              "db.fasta_td.fasta.x.2.tmp",
+                                             "db.fasta_td.fasta.2023.tmp",
+                                             "db.fasta_td.fasta.2023..tmp",
+                                             "db.fasta_td.fasta..2023.tmp",
+                                             "db.fasta_td.fasta.1.2.3.tmp",
+                                             "db.fasta_td.fasta.1.2x.tmp",
+                                             "db.fasta_td.fasta12.3.tmp",
+                                             "db.fasta_td.fasta..tmp",
+                                             "db.fasta_td.fasta...tmp",
                                              "db.fasta.1.2.tmp",
                                              "db.fasta_td.fasta_td.fasta.1.2.tmp"};
     for (const auto* names : {&leftovers, &others})
@@ -458,6 +466,23 @@ TEST_F(prepare_database, missing_index_files_give_no_lines_and_no_message) {
                   m_cCondition.ReadProteinDE(des);
               }),
               "");
+    EXPECT_TRUE(acs.empty());
+    EXPECT_TRUE(des.empty());
+}
+
+TEST_F(prepare_database, index_file_that_is_there_and_cannot_be_opened_is_an_alert) {
+    m_cCondition.m_strInputFastaPath = m_cFolder.Path("db.fasta");
+    std::filesystem::create_directory(m_cFolder.Path("db.pac"));
+    std::filesystem::create_directory(m_cFolder.Path("db.pde"));
+    Lines acs = {"before"};
+    Lines des = {"before"};
+    EXPECT_EQ(test::captured_output([&] {
+                  m_cCondition.ReadProteinAC(acs);
+                  m_cCondition.ReadProteinDE(des);
+              }),
+              "[Tessel] ALERT: Cannot read the index file: " + m_cFolder.Path("db.pac") +
+                  "\n[Tessel] ALERT: Cannot read the index file: " + m_cFolder.Path("db.pde") +
+                  '\n');
     EXPECT_TRUE(acs.empty());
     EXPECT_TRUE(des.empty());
 }

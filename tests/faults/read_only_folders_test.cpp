@@ -164,6 +164,26 @@ TEST(read_only_folders, database_that_may_not_be_read_counts_as_missing) {
     EXPECT_EQ(folder.Read("db.fasta_td.fasta"), "");
 }
 
+TEST(read_only_folders, index_files_that_may_not_be_read_are_alerts) {
+    const test::CTempFolder folder;
+    fs::permissions(folder.Path(), fs::perms(0777));
+    CCondition condition;
+    condition.m_strInputFastaPath = folder.Path("db.fasta");
+    const std::string ac = folder.Write("db.pac", "P1\n");
+    const std::string de = folder.Write("db.pde", "first\n");
+    for (const std::string& path : {ac, de})
+        fs::permissions(path, fs::perms::none);
+    const CHILD_END end = run_unprivileged([&] {
+        std::vector<std::string> lines;
+        condition.ReadProteinAC(lines);
+        condition.ReadProteinDE(lines);
+        return static_cast<int>(lines.size());
+    });
+    EXPECT_EQ(end.m_nExit, 0);
+    EXPECT_EQ(end.m_strOutput, "[Tessel] ALERT: Cannot read the index file: " + ac +
+                                   "\n[Tessel] ALERT: Cannot read the index file: " + de + '\n');
+}
+
 TEST(read_only_folders, spectra_and_results_that_may_not_be_read_are_alerts) {
     const test::CTempFolder folder;
     CCondition condition;

@@ -33,7 +33,7 @@ NO_MESSAGES = {
     "condition/condition.cpp": {"Trypsin KR _ C", "[Tessel] ", "DEBUG: ", "WARNING: ", "ALERT: "},
     "chem/mod_selection.cpp": {"[----mod prob end----]", "[----cleave prob----]"},
     "database/fasta_parser.cpp": {" \t"},
-    "database/prepare_database.cpp": {"Vantor.exe "},
+    "database/index_files.cpp": {"Vantor.exe "},
     "param/condition_writer.cpp": {"\n[Version Info]"},
     "param/settings.h": {"Trypsin KR _ C", "no such key in a parameter file",
                          "no limits of this key's values"},
