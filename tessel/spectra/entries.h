@@ -25,7 +25,7 @@ inline std::size_t entry_limit(std::size_t total, std::size_t consumed, std::siz
 /// file's claim. And at least twice the room there was, so that small batches do not move all that
 /// came before each time.
 inline void make_room(std::vector<CSpectrum>& spectra, std::size_t entries) {
-    constexpr std::size_t kMost = std::size_t{1} << 16;  // 9 MB
+    constexpr std::size_t kMost = std::size_t{1} << 16;  // about 7 MB
     const std::size_t needed = spectra.size() + std::min(entries, kMost);
     if (needed > spectra.capacity()) spectra.reserve(std::max(needed, 2 * spectra.capacity()));
 }

@@ -31,7 +31,8 @@ public:
     virtual bool Close() = 0;
     /// What was wrong with the files read since the last call: one text each, naming the file.
     virtual std::vector<std::string> TakeFaults() = 0;
-    /// Entries may remain by the count, but further calls will not reach them.
+    /// Further calls of Browse() will not reach what may remain by the count: nothing is open, or
+    /// the file has ended early.
     virtual bool Exhausted() const = 0;
 };
 

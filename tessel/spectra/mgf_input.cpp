@@ -128,12 +128,10 @@ std::size_t CMGFInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     make_room(out, limit - first);
     CSpectrum spectrum;  // keeps its memory from block to block; what goes out is a copy
     double mz = 0.0;
+    bool ended = false;
     while (m_tCurIdx < m_tSpecNum) {
-        if (!skip_to_block(*m_pLines)) {
-            m_vFaults.push_back(entries_missing(m_strPath, m_tSpecNum, m_tCurIdx));
-            Close();
-            break;
-        }
+        ended = !skip_to_block(*m_pLines);
+        if (ended) break;
         spectrum.m_vPeaks.clear();
         spectrum.m_strTitle.clear();
         read_block(*m_pLines, spectrum, mz);
@@ -146,6 +144,13 @@ std::size_t CMGFInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
         out.back().Create_Hash_Table();
         if (++m_tCurIdx == limit) break;
     }
+    // The block at which reading fails has been taken for the last one, cut off.
+    const bool failed = m_pLines->Failed();
+    if (failed) m_vFaults.push_back("cannot read " + m_strPath);
+    if (ended || (failed && m_tCurIdx < m_tSpecNum)) {
+        m_vFaults.push_back(entries_missing(m_strPath, m_tSpecNum, m_tCurIdx));
+    }
+    if (ended || failed) Close();
     return m_tCurIdx - first;
 }
 

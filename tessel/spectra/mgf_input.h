@@ -27,12 +27,13 @@ public:
     /// block before it in the same call. A block without a title gets scan number = its position in
     /// the file, from 0, and the title "count.position.position.charge.dta".
     /// A `num` of 0 is never reached: all that remain are read. A file that ends before its counted
-    /// blocks is closed, with a fault; a "BEGIN" inside a block is counted, but begins none.
+    /// blocks, or cannot be read on, is closed, with a fault; a "BEGIN" inside a block is counted,
+    /// but begins none.
     std::size_t Browse(std::vector<CSpectrum>& out, std::size_t num) override;
     std::size_t Count(const std::string& path) override;
     bool Close() override;
     std::vector<std::string> TakeFaults() override;
-    bool Exhausted() const override { return m_fp == nullptr; }  ///< none is open: it ended early
+    bool Exhausted() const override { return m_fp == nullptr; }  ///< no file is open
 
     std::FILE* m_fp = nullptr;   ///< the open file, owned, or null
     std::string m_strPath;       ///< as given to Count()

@@ -47,7 +47,9 @@ public:
     /// Rebuilds m_vHashTable: entry k is the position in m_vPeaks of the first peak whose truncated
     /// m/z is at least k, up to the largest truncated m/z; a lookup beyond is the caller's to
     /// guard. Peaks above m/z 100,000 and those that are not finite are left out. Peaks must stand
-    /// in ascending order; one behind a larger one is not found through the table.
+    /// in ascending order; one behind a larger one is not found through the table. One peak may so
+    /// cost 400 kB: the number of spectra in memory is what bounds all tables, in a batch by its
+    /// size.
     void Create_Hash_Table();
 
     /// Writes the spectrum as one MGF block; the stream's error indicator tells of a failure.

@@ -3,12 +3,14 @@
 #include "tessel/spectra/zb_input.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <utility>
 
 #include "tessel/base/little_endian.h"
 #include "tessel/platform/file.h"
+#include "tessel/platform/memory.h"
 #include "tessel/spectra/entries.h"
 
 namespace tessel {
@@ -39,6 +41,18 @@ std::vector<CPeak> peaks_at(const char* bytes, std::size_t count) {
         bytes += kPeak;
     }
     return peaks;
+}
+
+// The spectra of an entry share its peaks in the file, but in memory each has its own: a small file
+// may ask for any amount. Usual entries are far below the size from which on the system is asked.
+bool has_room(const CSpectrum& spectrum, std::uint64_t precursors) {
+    constexpr std::uint64_t kLarge = std::uint64_t{1} << 28;
+    constexpr std::uint64_t kOfList =
+        3;  // records that a list which grows holds for each of its own
+    const std::uint64_t each = kOfList * sizeof(CSpectrum) +
+                               spectrum.m_vPeaks.size() * sizeof(CPeak) +
+                               spectrum.m_vHashTable.size() * sizeof(int);
+    return precursors <= kLarge / each || precursors <= available_memory() / each;
 }
 
 // Replaces `title`.
@@ -75,7 +89,8 @@ std::size_t CZBInput::Count(const std::string& path) {
     }
     m_uLeft = bytes_left(m_fp);
     if (!ReadHeader()) {
-        m_vFaults.push_back("no ZB2 header in " + path);
+        const char* const fault = std::ferror(m_fp) != 0 ? "cannot read " : "no ZB2 header in ";
+        m_vFaults.push_back(fault + path);
         Close();
         return 0;
     }
@@ -109,6 +124,7 @@ std::size_t CZBInput::Browse(std::vector<CSpectrum>& out, std::size_t num) {
     if (m_vBuffer.size() < kBufferSize) m_vBuffer.resize(kBufferSize);
     while (m_tCurIdx < m_tSpecNum) {
         if (!ReadEntry(out)) {
+            if (std::ferror(m_fp) != 0) m_vFaults.push_back("cannot read " + m_strPath);
             m_vFaults.push_back(entries_missing(m_strPath, m_tSpecNum, m_tCurIdx));
             Close();
             break;
@@ -134,6 +150,7 @@ bool CZBInput::ReadEntry(std::vector<CSpectrum>& out) {
     if (bytes == nullptr) return false;
 
     spectrum.Create_Hash_Table();
+    if (!has_room(spectrum, static_cast<std::uint64_t>(precursors))) return false;
     for (std::int32_t i = 0; i < precursors; ++i) {
         // NOLINTNEXTLINE(bugprone-use-after-move): the last one alone is moved
         spectrum.m_nCharge = count_at(bytes + kMz);

@@ -15,9 +15,9 @@ namespace tessel {
 /// with the precursor's position in the entry as index. An entry without precursors yields nothing,
 /// but counts.
 ///
-/// What a file claims is checked against its size. At an entry that is cut off or impossible the
-/// file ends: that entry is dropped and not counted, all before it are kept, the fault is noted and
-/// the file is closed.
+/// What a file claims is checked against its size. At an entry that is cut off or impossible, or
+/// whose spectra with their peaks and tables would not fit into memory, the file ends: that entry
+/// is dropped and not counted, all before it are kept, the fault is noted and the file is closed.
 class TESSEL_API CZBInput : public CInput {
 public:
     CZBInput();
@@ -32,7 +32,7 @@ public:
     std::size_t Count(const std::string& path) override;
     bool Close() override;
     std::vector<std::string> TakeFaults() override;
-    bool Exhausted() const override { return m_fp == nullptr; }  ///< none is open: it ended early
+    bool Exhausted() const override { return m_fp == nullptr; }  ///< no file is open
 
     std::FILE* m_fp = nullptr;   ///< the open file, owned, or null
     std::string m_strPath;       ///< as given to Count()

@@ -28,9 +28,6 @@ public:
     /// change after the first one, is too small for the next file.
     bool Exhausted() const override { return m_tStalledCalls > 1; }
 
-    /// How many calls of Browse() in a row have consumed nothing although entries remain.
-    std::size_t StalledCalls() const { return m_tStalledCalls; }
-
     std::unique_ptr<CInput> m_pReader;        ///< of the current file, or null
     std::string m_strPath;                    ///< the list file, as given to Count()
     std::size_t m_tSpecNum = 0;               ///< entries in all listed files
@@ -45,7 +42,7 @@ private:
     void TakeFaultsOf(CInput& reader);
     void NoteFault(const std::string& fault);
 
-    std::size_t m_tStalledCalls = 0;
+    std::size_t m_tStalledCalls = 0;  // in a row; they consumed nothing although entries remained
     std::vector<std::string> m_vFaults;
     std::set<std::string> m_setNoted;  // each fault is told once, though files are opened twice
 };

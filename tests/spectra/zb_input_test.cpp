@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <random>
 
@@ -361,6 +363,49 @@ TEST(zb_input, file_cut_off_after_counting_ends_early) {
     zb2.Read();
     EXPECT_EQ(zb2.m_tRead, 999u);
     EXPECT_EQ(zb2.m_cReader.TakeFaults(), Texts{zb2.EndsAt(999)});
+}
+
+TEST(zb_input, file_that_cannot_be_read_on_says_so) {
+    CZb2 zb2(zb2_file("run", plain_scans(50'000)));  // more than is read ahead
+    ASSERT_EQ(zb2.Read(1).size(), 1u);
+    if (std::freopen("/proc/self/mem", "rb", zb2.m_cReader.m_fp) == nullptr) {
+        GTEST_SKIP() << "no file here that fails";
+    }
+    const std::size_t held = zb2.Read().size();
+    EXPECT_GT(held, 0u);
+    EXPECT_LT(held, 49'999u);
+    EXPECT_EQ(zb2.m_cReader.TakeFaults(),
+              (Texts{"cannot read " + zb2.m_strPath, zb2.EndsAt(1 + held)}));
+    EXPECT_TRUE(zb2.m_cReader.Exhausted());
+}
+
+#if !defined(__SANITIZE_ADDRESS__)  // which needs the whole address space
+TEST(zb_input, entry_whose_spectra_do_not_fit_into_memory_is_impossible) {
+    if (!test::kMemoryCanBeLimited) GTEST_SKIP() << "no limit of address space on this system";
+    ZB2_SCAN scan{2, {{100000.0, 1.0}}, {}};  // an index of 400 kB for each precursor
+    for (int i = 0; i < 80'000; ++i)
+        scan.m_vPrecursors.emplace_back(500.0, 2);
+    CZb2 zb2(zb2_header(3, "run") + zb2_entry(plain_scans(1)[0]) + zb2_entry(scan) +
+             zb2_entry(plain_scans(1)[0]));
+    EXPECT_EXIT(
+        {
+            test::limit_memory(1'000'000'000);
+            const bool isDropped = zb2.Read().size() == 1 && zb2.m_tRead == 1 &&
+                                   zb2.m_cReader.TakeFaults() == Texts{zb2.EndsAt(1)};
+            std::exit(isDropped ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+#endif
+
+TEST(zb_input, spectra_of_an_entry_that_fit_into_memory_are_read) {
+    // Three hundred megabytes: more than is taken without asking.
+    ZB2_SCAN scan{2, {{100000.0, 1.0}}, {}};
+    for (int i = 0; i < 750; ++i)
+        scan.m_vPrecursors.emplace_back(500.0, 2);
+    CZb2 zb2(zb2_header(1, "run") + zb2_entry(scan));
+    EXPECT_EQ(zb2.Read().size(), 750u);
+    EXPECT_EQ(zb2.m_cReader.TakeFaults(), Texts());
 }
 
 TEST(zb_input, claim_of_entries_makes_no_more_room_than_the_file_could_fill) {

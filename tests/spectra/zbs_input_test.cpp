@@ -66,16 +66,20 @@ TEST(zbs_input, batch_ends_before_the_file_that_would_exceed_it) {
     EXPECT_EQ(zbs.Count(list), 10u);
     EXPECT_EQ(zbs.Read(5).size(), 4u);
     EXPECT_EQ(zbs.m_tRead, 4u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 0u);
+    EXPECT_EQ(zbs.m_cReader.TakeFaults(), Texts());
     EXPECT_EQ(zbs.Read(5).size(), 0u);
     EXPECT_EQ(zbs.m_tRead, 0u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 1u);
+    EXPECT_EQ(zbs.m_cReader.TakeFaults().size(), 1u);
+    EXPECT_FALSE(zbs.m_cReader.Exhausted());
     EXPECT_EQ(zbs.Read(5).size(), 0u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 2u);
+    EXPECT_EQ(zbs.m_cReader.TakeFaults(), Texts());  // told once
+    EXPECT_TRUE(zbs.m_cReader.Exhausted());
     EXPECT_EQ(zbs.Read(6).size(), 6u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 0u);
-    EXPECT_EQ(zbs.Read(6).size(), 0u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 0u);  // nothing remains
+    EXPECT_FALSE(zbs.m_cReader.Exhausted());
+    for (int call = 0; call < 3; ++call)  // nothing remains
+        EXPECT_EQ(zbs.Read(5).size(), 0u);
+    EXPECT_EQ(zbs.m_cReader.TakeFaults(), Texts());
+    EXPECT_FALSE(zbs.m_cReader.Exhausted());
 }
 
 TEST(zbs_input, batch_takes_all_files_that_fit) {
@@ -153,7 +157,8 @@ TEST(zbs_input, without_an_open_list_nothing_is_read) {
     EXPECT_TRUE(zbs.m_cReader.Close());
     EXPECT_EQ(zbs.m_cReader.m_pReader, nullptr);
     EXPECT_EQ(zbs.Read().size(), 0u);
-    EXPECT_EQ(zbs.m_cReader.StalledCalls(), 0u);
+    EXPECT_FALSE(zbs.m_cReader.Exhausted());
+    EXPECT_EQ(zbs.m_cReader.TakeFaults(), Texts());
 }
 
 TEST(zbs_input, unreadable_listed_file_counts_zero_and_is_told_once) {
