@@ -3,6 +3,7 @@
 
 #include "tessel/space/combination_count.h"
 
+#include <algorithm>
 #include <limits>
 #include <numeric>
 
@@ -36,22 +37,26 @@ std::uint64_t multisets(std::uint64_t n, std::size_t size) {
 
 // How many modifications there are for the N terminus, for the C terminus, and without terminus.
 struct KINDS {
-    std::uint64_t n = 0;
-    std::uint64_t c = 0;
-    std::uint64_t any = 0;
+    std::uint64_t m_uNTerm = 0;
+    std::uint64_t m_uCTerm = 0;
+    std::uint64_t m_uOther = 0;
 
     void Count(const CMod& mod) {
-        std::uint64_t& kind = is_n_terminal(mod) ? n : is_c_terminal(mod) ? c : any;
+        std::uint64_t& kind = is_n_terminal(mod)   ? m_uNTerm
+                              : is_c_terminal(mod) ? m_uCTerm
+                                                   : m_uOther;
         ++kind;
     }
     // Multisets of `size` with at most one modification for each terminus that is free.
     std::uint64_t Multisets(std::size_t size, bool nFree, bool cFree) const {
-        std::uint64_t number = multisets(any, size);
-        if (nFree && size >= 1) number = sum(number, product(n, multisets(any, size - 1)));
-        if (cFree && size >= 1) number = sum(number, product(c, multisets(any, size - 1)));
-        if (nFree && cFree && size >= 2) {
-            number = sum(number, product(product(n, c), multisets(any, size - 2)));
-        }
+        std::uint64_t number = multisets(m_uOther, size);
+        const auto add = [&](std::uint64_t choices, std::size_t chosen) {
+            if (size < chosen) return;
+            number = sum(number, product(choices, multisets(m_uOther, size - chosen)));
+        };
+        if (nFree) add(m_uNTerm, 1);
+        if (cFree) add(m_uCTerm, 1);
+        if (nFree && cFree) add(product(m_uNTerm, m_uCTerm), 2);
         return number;
     }
 };
@@ -73,8 +78,9 @@ COMBINATION_COUNT count_combinations(const std::vector<const CMod*>& selected,
             const std::size_t used = std::size_t{nUsed} + std::size_t{cUsed};
             std::uint64_t number = 0;
             for (std::size_t others = 0; others + used <= kMaxSelectedMods; ++others)
-                number = sum(number, multisets(bases.any, others));
-            number = product(number, product(nUsed ? bases.n : 1, cUsed ? bases.c : 1));
+                number = sum(number, multisets(bases.m_uOther, others));
+            number =
+                product(number, product(nUsed ? bases.m_uNTerm : 1, cUsed ? bases.m_uCTerm : 1));
             for (std::size_t extra = 0; extra < kCombinationGroups; ++extra) {
                 const std::uint64_t each = extras.Multisets(extra, !nUsed, !cUsed);
                 std::uint64_t& size = count.m_uGroupSizes[extra];
@@ -86,6 +92,12 @@ COMBINATION_COUNT count_combinations(const std::vector<const CMod*>& selected,
         count.m_uNumber = sum(count.m_uNumber, size);
     count.m_uBytes = product(count.m_uNumber, sizeof(CModCombInfo));
     return count;
+}
+
+bool fit_lookups(const COMBINATION_COUNT& count) {
+    return std::all_of(
+        count.m_uGroupSizes.begin(), count.m_uGroupSizes.end(),
+        [](std::uint64_t size) { return size <= std::numeric_limits<std::uint32_t>::max(); });
 }
 
 }  // namespace tessel

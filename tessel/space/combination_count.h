@@ -30,4 +30,7 @@ struct COMBINATION_COUNT {
 COMBINATION_COUNT count_combinations(const std::vector<const CMod*>& selected,
                                      const std::vector<CMod>& table);
 
+/// Whether the mass lookups, whose entries have 32 bits, can tell the positions in every group.
+bool fit_lookups(const COMBINATION_COUNT& count);
+
 }  // namespace tessel

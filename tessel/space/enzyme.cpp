@@ -22,7 +22,7 @@ bool CEnzyme::Init(const std::string& definition) {
     CEnzyme fresh;
     fresh.m_strInfo = definition;  // before anything is cleared: it may be a part of this object
     *this = std::move(fresh);
-    words.imbue(std::locale::classic());  // other locales know other blanks
+    words.imbue(std::locale::classic());
     words >> m_strName;
     while (_Init(words)) {
     }
@@ -33,6 +33,7 @@ bool CEnzyme::_Init(std::istringstream& rules) {
     std::string sites;
     std::string restriction;
     std::string side;
+    rules.imbue(std::locale::classic());  // other locales know other blanks
     if (!(rules >> sites >> restriction >> side)) return false;
     if (side == "C") {
         m_strCSites = sites;

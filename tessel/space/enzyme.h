@@ -29,7 +29,7 @@ public:
     /// process with status 1, after "Invalid enzyme format: " and the definition on standard error.
     bool Init(const std::string& definition);
     /// Reads one rule from a stream that stands behind the name and stores it; false when there are
-    /// no three words left. Fatal as Init().
+    /// no three words left. The stream has the classic locale from then on. Fatal as Init().
     bool _Init(std::istringstream& rules);
     /// The whole definition as given; the parameter file holds it.
     std::string InfoString() const { return m_strInfo; }

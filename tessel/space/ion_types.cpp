@@ -29,7 +29,7 @@ bool CIonType::Init(const std::string& definition) {
     m_strDefinition = definition;
     int nTerminal = 0;
     int flag = 0;
-    CWordReader columns(definition);
+    CWordReader columns(m_strDefinition);  // the argument may be one of the fields below
     columns.Word(m_strName);
     columns.Read(m_nCharge);
     columns.Read(nTerminal);

@@ -3,10 +3,8 @@
 // sorted by mass and tabled.
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <stdexcept>
-#include <utility>
 
 #include "tessel/base/end_process.h"
 #include "tessel/base/mass_order.h"
@@ -21,10 +19,10 @@ namespace tessel {
 namespace {
 
 // Room for all combinations. False when there is not enough memory; without asking first, it might
-// be promised and then not be there.
+// be promised and then not be there. What no lookup reaches is refused likewise.
 bool reserve_groups(std::vector<std::vector<CModCombInfo>>& groups,
                     const COMBINATION_COUNT& count) {
-    if (count.m_uBytes > available_memory()) return false;
+    if (!fit_lookups(count) || count.m_uBytes > available_memory()) return false;
     try {
         for (std::size_t i = 0; i < kCombinationGroups; ++i)
             groups[i].reserve(count.m_uGroupSizes[i]);
@@ -58,7 +56,7 @@ CModCombInfo with_extra(const CModCombInfo& comb, const CMod& mod, unsigned char
 template <class Visit>
 void visit_extras(const std::vector<CMod>& table, std::size_t start, TERMINI termini, Visit visit) {
     for (std::size_t i = start; i < table.size(); ++i)
-        if (table[i].m_eType != MOD_PLACEHOLDER && !termini.Refuse(table[i])) visit(i);
+        if (table[i].m_eType != MOD_PLACEHOLDER && !termini.Refuses(table[i])) visit(i);
 }
 
 // One and two modifications of the table on top of a base.
@@ -81,7 +79,7 @@ void walk_selected(CModCombInfo& comb, const std::vector<const CMod*>& selected,
     if (comb.m_cModNum >= kMaxSelectedMods) return;
     for (std::size_t k = start; k < selected.size(); ++k) {
         const CMod& mod = *selected[k];
-        if (termini.Refuse(mod)) continue;
+        if (termini.Refuses(mod)) continue;
         append(comb, mod);
         walk_selected(comb, selected, termini.With(mod), k, visit);
         remove_last(comb, mod);
@@ -96,15 +94,15 @@ void sort_group(const CCondition& condition, std::vector<CModCombInfo>& group,
 
 // The whole of GenerateModComb() for tables as CreateModList() leaves them. False, and the groups
 // empty, where that cannot be done.
-bool fill_groups_in_order(CCondition& condition) {
+bool fill_groups_in_order(CCondition& condition, const COMBINATION_COUNT& count) {
     auto& groups = condition.m_vModComb;
     auto& lookups = condition.m_vModCombHash;
     CModCombInfo comb;
     walk_selected(comb, condition.m_vSelMods, TERMINI(), 0,
                   [&](const CModCombInfo& base, TERMINI) { groups[0].push_back(base); });
     for (unsigned char extraNum = 1; extraNum < kCombinationGroups; ++extraNum) {
-        if (fill_in_order(groups[extraNum], lookups[extraNum], groups[0], condition.m_vMods,
-                          extraNum)) {
+        if (fill_in_order(groups[extraNum], count.m_uGroupSizes[extraNum], lookups[extraNum],
+                          groups[0], condition.m_vMods, extraNum)) {
             continue;
         }
         for (auto& group : groups)
@@ -132,7 +130,7 @@ void CCondition::GenerateModComb() {
     Message(figures, count.m_uBytes > kLargeSize ? LOG_WARNING : LOG_DEBUG);
     bool enough = reserve_groups(m_vModComb, count);
     try {
-        if (enough && !fill_groups_in_order(*this)) {
+        if (enough && !fill_groups_in_order(*this, count)) {
             CModCombInfo comb;
             _generate_mod_comb(comb, 0, 0, 0);
             CreateModCombHash();

@@ -23,6 +23,11 @@ namespace {
 
 constexpr std::size_t kWindowRecords = 32768;   // on average, at least
 constexpr std::int64_t kSmallestWindow = 1024;  // buckets
+// A window that would hold more than so many of them ends earlier.
+constexpr std::size_t kFullWindow = 8 * kWindowRecords;
+// Masses farther out, Da, have no lookup, and are left out before their buckets are counted: what
+// is nearer has no more milli-daltons than 64 bits hold by far.
+constexpr double kFarthestMass = kMaxBuckets;
 
 using MOD_LIST = std::vector<const CMod*>;
 
@@ -42,7 +47,7 @@ struct STREAM {
 // One combination that a window holds.
 struct FOUND {
     double m_lfMass;
-    const STREAM* m_pStream;
+    STREAM* m_pStream;
     const CMod* m_pLast;
     std::size_t m_tBucket;  // within the window
 };
@@ -58,9 +63,10 @@ TERMINI termini_of(const CModCombInfo& comb) {
 class CExtras {
 public:
     explicit CExtras(const std::vector<CMod>& table) {
-        for (const TERMINI termini : {TERMINI{0, 0}, TERMINI{1, 0}, TERMINI{0, 1}, TERMINI{1, 1}}) {
+        for (const TERMINI termini :
+             {TERMINI{0, 0}, TERMINI{PEP_N, 0}, TERMINI{0, PEP_C}, TERMINI{PEP_N, PEP_C}}) {
             for (const CMod& mod : table) {
-                if (mod.m_eType == MOD_PLACEHOLDER || termini.Refuse(mod)) continue;
+                if (mod.m_eType == MOD_PLACEHOLDER || termini.Refuses(mod)) continue;
                 List(termini).push_back(&mod);
             }
         }
@@ -69,7 +75,7 @@ public:
 
 private:
     static std::size_t Index(TERMINI termini) {
-        return (termini.n > 0 ? 1u : 0u) + (termini.c > 0 ? 2u : 0u);
+        return (termini.m_nNTerm > 0 ? 1u : 0u) + (termini.m_nCTerm > 0 ? 2u : 0u);
     }
     MOD_LIST& List(TERMINI termini) { return m_vLists[Index(termini)]; }
 
@@ -138,7 +144,7 @@ void sort_by_mass(FOUND* begin, FOUND* end) {
 // Puts what a window holds in order, by its buckets and within each by mass, ties as found.
 class CWindow {
 public:
-    explicit CWindow(std::size_t buckets) : m_vStarts(buckets + 1) {}
+    CWindow(std::size_t buckets, std::size_t fullAt) : m_tFullAt(fullAt), m_vStarts(buckets + 1) {}
 
     void Clear() {
         m_vFound.clear();
@@ -147,6 +153,16 @@ public:
     void Add(const FOUND& found) {
         m_vFound.push_back(found);
         ++m_vStarts[found.m_tBucket + 1];
+    }
+    bool IsFull() const { return m_vFound.size() > m_tFullAt; }
+    /// Gives what lies in later buckets than the first so many back to its streams.
+    void Shorten(std::size_t buckets) {
+        std::erase_if(m_vFound, [&](const FOUND& found) {
+            if (found.m_tBucket < buckets) return false;
+            --m_vStarts[found.m_tBucket + 1];
+            --found.m_pStream->m_pNext;
+            return true;
+        });
     }
     const std::vector<FOUND>& InOrder() {
         for (std::size_t i = 1; i < m_vStarts.size(); ++i)
@@ -163,6 +179,7 @@ public:
     std::uint32_t Start(std::size_t bucket) const { return m_vStarts[bucket]; }
 
 private:
+    std::size_t m_tFullAt;
     std::vector<FOUND> m_vFound;
     std::vector<FOUND> m_vOrdered;
     std::vector<std::uint32_t> m_vStarts;
@@ -190,14 +207,16 @@ bool find_buckets(const std::vector<STREAM>& streams, BUCKETS& buckets) {
     }
     const std::int64_t first = milli_dalton(lightest);
     buckets.m_nOffset = std::min<std::int64_t>(first, 0);
-    if (std::fabs(lightest) > kMaxBuckets || std::fabs(heaviest) > kMaxBuckets) return false;
+    if (std::fabs(lightest) > kFarthestMass || std::fabs(heaviest) > kFarthestMass) return false;
     buckets.m_nLast = milli_dalton(heaviest) - buckets.m_nOffset;
     return buckets.m_nLast < static_cast<std::int64_t>(kMaxBuckets);
 }
 
-// Moves the streams on to the window's end and gathers what they pass.
-void gather(CWindow& window, std::vector<STREAM>& streams, std::int64_t begin, std::int64_t end,
-            std::int64_t offset) {
+// Moves the streams on to the window's end and gathers what they pass. Returns that end, which
+// comes nearer where masses crowd: one that lies far from all others stretches the windows, and one
+// of them would hold nearly the whole group, twice. A single bucket is never divided.
+std::int64_t gather(CWindow& window, std::vector<STREAM>& streams, std::int64_t begin,
+                    std::int64_t end, std::int64_t offset) {
     window.Clear();
     for (STREAM& stream : streams) {
         for (; stream.m_pNext != stream.m_pEnd; ++stream.m_pNext) {
@@ -206,14 +225,19 @@ void gather(CWindow& window, std::vector<STREAM>& streams, std::int64_t begin, s
             if (bucket >= end) break;
             window.Add({mass, &stream, *stream.m_pNext, static_cast<std::size_t>(bucket - begin)});
         }
+        while (window.IsFull() && end - begin > 1) {
+            end = begin + (end - begin) / 2;
+            window.Shorten(static_cast<std::size_t>(end - begin));
+        }
     }
+    return end;
 }
 
 }  // namespace
 
-bool fill_in_order(std::vector<CModCombInfo>& group, std::vector<std::uint32_t>& lookup,
-                   const std::vector<CModCombInfo>& bases, const std::vector<CMod>& table,
-                   unsigned char extraNum) {
+bool fill_in_order(std::vector<CModCombInfo>& group, std::size_t records,
+                   std::vector<std::uint32_t>& lookup, const std::vector<CModCombInfo>& bases,
+                   const std::vector<CMod>& table, unsigned char extraNum) {
     const CExtras extras(table);
     std::vector<STREAM> streams = streams_of(bases, extras, extraNum);
     BUCKETS buckets;
@@ -222,23 +246,25 @@ bool fill_in_order(std::vector<CModCombInfo>& group, std::vector<std::uint32_t>&
 
     const std::int64_t length = buckets.m_nLast + 1;
     // More records than streams in a window: looking at every stream must not cost more than they.
-    const std::size_t records = std::max(kWindowRecords, 2 * streams.size());
-    const auto windows = static_cast<std::int64_t>(group.capacity() / records + 1);
+    const std::size_t usual = std::max(kWindowRecords, 2 * streams.size());
+    const auto windows = static_cast<std::int64_t>(records / usual + 1);
     const std::int64_t width = std::max(length / windows, kSmallestWindow);
-    CWindow window(static_cast<std::size_t>(width));
+    CWindow window(static_cast<std::size_t>(width), std::max(kFullWindow, 2 * usual));
     lookup.reserve(static_cast<std::size_t>(length));
     // Saves 10 % of the time with 500 modifications in the table, 14 % with 1,000.
-    CFreshPages pages(group.data(), group.capacity() * sizeof(CModCombInfo));
-    for (std::int64_t begin = 0; begin < length; begin += width) {
-        gather(window, streams, begin, begin + width, buckets.m_nOffset);
+    CFreshPages pages(group.data(), records * sizeof(CModCombInfo));
+    for (std::int64_t begin = 0; begin < length;) {
+        const std::int64_t end =
+            gather(window, streams, begin, std::min(begin + width, length), buckets.m_nOffset);
         const auto before = static_cast<std::uint32_t>(group.size());
         for (const FOUND& found : window.InOrder()) {
             pages.Reach(group.data() + group.size());
             group.push_back(record_of(found, extraNum));
         }
-        const std::int64_t covered = std::min(width, length - begin);
-        for (std::int64_t i = 0; i < covered; ++i)
-            lookup.push_back(before + window.Start(static_cast<std::size_t>(i)));
+        const auto covered = static_cast<std::size_t>(end - begin);
+        for (std::size_t i = 0; i < covered; ++i)
+            lookup.push_back(before + window.Start(i));
+        begin = end;
     }
     return true;
 }

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
+#include <vector>
+
 #include "tests/support/captured.h"
 
 namespace tessel {
@@ -107,6 +110,32 @@ TEST(enzyme, one_rule_is_read_from_a_stream) {
     EXPECT_TRUE(built._Init(rules));
     EXPECT_TRUE(built.m_bNTerm);
     EXPECT_FALSE(built._Init(rules));
+}
+
+// Characters of a locale that counts "K" among the blanks.
+class COddBlanks : public std::ctype<char> {
+public:
+    COddBlanks() : std::ctype<char>(Table()) {}
+
+private:
+    static const mask* Table() {
+        static std::vector<mask> table(classic_table(), classic_table() + table_size);
+        table['K'] = space;
+        return table.data();
+    }
+};
+
+TEST(enzyme, blanks_of_other_locales_are_characters) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new COddBlanks));
+    std::istringstream rules("RKH P C");
+    const CEnzyme whole = enzyme("TrypsinK KR P C");
+    CEnzyme built;
+    const bool isRead = built._Init(rules);
+    std::locale::global(before);
+    EXPECT_TRUE(isRead);
+    EXPECT_EQ(built.m_strCSites, "RKH");
+    EXPECT_EQ(whole.m_strName, "TrypsinK");
+    EXPECT_EQ(whole.m_strCSites, "KR");
 }
 
 TEST(enzyme, position_at_or_before_begin_is_a_boundary) {

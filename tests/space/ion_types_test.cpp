@@ -63,6 +63,19 @@ TEST(ion_types, one_line_gives_one_type) {
     EXPECT_EQ(ion.m_strDefinition, "y 3 0 1 18.0105647");
 }
 
+TEST(ion_types, own_fields_may_be_given_as_a_line) {
+    CIonType ion;
+    const std::string name = "a_name_too_long_to_stand_in_the_text_object_itself";
+    ion.m_strName = name + " 3 0 1 18.0105647";
+    ion.Init(ion.m_strName);
+    EXPECT_EQ(ion.m_strName, name);
+    EXPECT_EQ(ion.m_nCharge, 3);
+    EXPECT_EQ(ion.m_lfOffset, 18.0105647);
+    ion.Init(ion.m_strDefinition);
+    EXPECT_EQ(ion.m_strDefinition, name + " 3 0 1 18.0105647");
+    EXPECT_EQ(ion.m_nCharge, 3);
+}
+
 TEST(ion_types, missing_columns_keep_their_fields_but_clear_the_flags) {
     CIonType ion;
     ion.Init("y 3 1 1 18.5");
