@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <utility>
 
 #include "tessel/base/end_process.h"
@@ -53,6 +52,32 @@ COPY_RESULT append_file(const std::string& path, std::FILE* output, std::vector<
         if (count < block.size()) break;
     }
     return std::ferror(input.get()) == 0 ? COPY_RESULT::DONE : COPY_RESULT::UNREADABLE;
+}
+
+bool names_file(const std::string& path, const std::string& file) {
+    return path == file || same_file(path, file);
+}
+
+// Copies the inputs that are there one behind the other and lists them. Tells of one that cannot be
+// read.
+COPY_RESULT copy_inputs(const CCondition& condition, const std::vector<std::string>& inputs,
+                        const std::string& outputPath, std::FILE* output,
+                        std::vector<std::string>& copied) {
+    std::vector<char> block(std::size_t{1} << 20);
+    for (const std::string& input : inputs) {
+        // What is the output now was not there before: another spelling of its name.
+        if (!path_exists(input) || names_file(input, outputPath)) {
+            condition.Message("The result file to merge does not exist: " + input, LOG_WARNING);
+            continue;
+        }
+        const COPY_RESULT result = append_file(input, output, block);
+        if (result == COPY_RESULT::UNREADABLE) {
+            condition.Message("Cannot read the result file: " + input, LOG_ALERT);
+        }
+        if (result != COPY_RESULT::DONE) return result;
+        copied.push_back(input);
+    }
+    return COPY_RESULT::DONE;
 }
 
 // A file named twice is gone the second time, which is no fault.
@@ -107,9 +132,7 @@ void CCondition::SortAndClean(bool (*order)(const CPepRes&, const CPepRes&)) {
 
 bool CCondition::MergeFiles(const std::vector<std::string>& inputs, const std::string& output,
                             bool removeInputs) const {
-    const auto isOutput = [&output](const std::string& input) {
-        return input == output || same_file(input, output);
-    };
+    const auto isOutput = [&output](const std::string& input) { return names_file(input, output); };
     if (std::any_of(inputs.begin(), inputs.end(), isOutput)) {
         Message("The result file to write is also to be merged: " + output, LOG_ALERT);
         return true;
@@ -120,31 +143,16 @@ bool CCondition::MergeFiles(const std::vector<std::string>& inputs, const std::s
         Message(writeFailure, LOG_ALERT);
         end_process(1);
     }
-
-    const auto fail = [&](const std::string& message) {
-        merged.reset();
-        remove_incomplete(output);
-        Message(message, LOG_ALERT);
-        return true;
-    };
-    std::vector<char> block(std::size_t{1} << 20);
     std::vector<std::string> copied;
-    for (const std::string& input : inputs) {
-        // What is the output now was not there before: another spelling of its name.
-        if (!path_exists(input) || isOutput(input)) {
-            Message("The result file to merge does not exist: " + input, LOG_WARNING);
-            continue;
-        }
-        const COPY_RESULT result = append_file(input, merged.get(), block);
-        if (result == COPY_RESULT::UNREADABLE) {
-            return fail("Cannot read the result file: " + input);
-        }
-        if (result == COPY_RESULT::UNWRITABLE) return fail(writeFailure);
-        copied.push_back(input);
+    const COPY_RESULT result = copy_inputs(*this, inputs, output, merged.get(), copied);
+    const bool isWritten = close_file(std::move(merged));
+    if (result == COPY_RESULT::DONE && isWritten) {
+        if (removeInputs) remove_files(*this, copied);
+        return false;
     }
-    if (!close_file(std::move(merged))) return fail(writeFailure);
-    if (removeInputs) remove_files(*this, copied);
-    return false;
+    remove_incomplete(output);
+    if (result != COPY_RESULT::UNREADABLE) Message(writeFailure, LOG_ALERT);
+    return true;
 }
 
 void CCondition::MergeSubRes(const std::string& ext) const {

@@ -77,9 +77,11 @@ public:
     static bool FinalScoreGreater(const CPepRes& a, const CPepRes& b);
     /// Smaller q-value first; then smaller final score; then larger score.
     static bool ConfidentByQV(const CPepRes& a, const CPepRes& b);
-    /// For searches by score, no orders to sort by: at equal scores true when a has modifications.
+    /// For searches by score, no orders to sort by: at equal scores true when a's m_ucModNum is not
+    /// 0. They ask for the count alone, so that a record that stands for "modified" needs no array;
+    /// Clean() leaves their answers as they were.
     static bool Score_Less_Ext(const CPepRes& a, const CPepRes& b);
-    /// Likewise: at equal scores true when b has modifications.
+    /// Likewise: at equal scores true when b's m_ucModNum is not 0.
     static bool Score_Greater_Ext(const CPepRes& a, const CPepRes& b);
 };
 

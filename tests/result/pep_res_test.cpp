@@ -363,6 +363,21 @@ TEST(pep_res, searches_by_score_look_at_modifications_of_one_side) {
     EXPECT_FALSE(CPepRes::Score_Greater_Ext(modified, bare));
 }
 
+TEST(pep_res, searches_by_score_ask_for_the_count_alone) {
+    const CPepRes bare = scored(5);
+    CPepRes counted = scored(5);
+    counted.m_ucModNum = 1;
+    CPepRes cleaned = scored(5);
+    set_sites(cleaned, {{1, nullptr}});
+    cleaned.Clean();
+    for (const CPepRes& modified : {counted, cleaned}) {
+        EXPECT_TRUE(CPepRes::Score_Less_Ext(modified, bare));
+        EXPECT_FALSE(CPepRes::Score_Less_Ext(bare, modified));
+        EXPECT_TRUE(CPepRes::Score_Greater_Ext(bare, modified));
+        EXPECT_FALSE(CPepRes::Score_Greater_Ext(modified, bare));
+    }
+}
+
 TEST(psm_res, fresh_spectrum_is_empty) {
     const CPSMRes psm;
     EXPECT_EQ(psm.m_strTitle, "");
