@@ -33,7 +33,8 @@ bool read_number(std::string_view token, Value& value) {
 /// "key;site;previous;next": the two residues may be any characters, ";" included.
 bool read_hit(std::string_view token, PRO_INFO& hit);
 
-/// Whether a stream may go on for so many bytes; always for one whose size cannot be told.
+/// Whether a stream may go on for so many bytes: yes, too, where no more are known of, at the end
+/// of a file or because its size cannot be told.
 bool may_hold(std::FILE* file, std::uint64_t bytes);
 
 /// A whole result file, read in large blocks. It can go back to where the current record began,

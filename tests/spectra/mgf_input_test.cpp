@@ -4,7 +4,6 @@
 
 #include <clocale>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include "tests/support/temp_folder.h"
@@ -498,39 +497,6 @@ TEST(mgf_input, failing_device_is_a_file_that_cannot_be_read) {
     EXPECT_EQ(reader.Count(device), 0u);
     EXPECT_EQ(reader.TakeFaults().size(), 1u);
     EXPECT_EQ(reader.m_fp, nullptr);
-}
-
-// From here on reading the open file fails, as on a bad sector.
-bool breaks_reading(std::FILE* file) {
-    return std::freopen("/proc/self/mem", "rb", file) != nullptr;
-}
-
-TEST(mgf_input, file_that_cannot_be_read_on_says_so) {
-    CMgf mgf(blocks(50'000));  // more than is read ahead
-    ASSERT_EQ(mgf.Read(1).size(), 1u);
-    if (!breaks_reading(mgf.m_cReader.m_fp)) GTEST_SKIP() << "no file here that fails";
-    const std::size_t held = mgf.Read().size();
-    EXPECT_GT(held, 0u);
-    EXPECT_LT(held, 49'999u);
-    const std::string read = std::to_string(1 + held) + " of 50000 entries read, no more are in ";
-    EXPECT_EQ(mgf.m_cReader.TakeFaults(),
-              (Texts{"cannot read " + mgf.m_strPath, read + mgf.m_strPath}));
-    EXPECT_TRUE(mgf.m_cReader.Exhausted());
-    EXPECT_EQ(mgf.Read().size(), 0u);
-    EXPECT_EQ(mgf.m_cReader.TakeFaults(), Texts());
-}
-
-TEST(mgf_input, last_block_that_cannot_be_read_on_is_told) {
-    std::string bytes = "BEGIN IONS\nEND IONS\nBEGIN IONS\n";
-    for (int i = 0; i < 100'000; ++i)
-        bytes += "100.5 2\n";
-    CMgf mgf(bytes + "END IONS\n");
-    ASSERT_EQ(mgf.Read(1).size(), 1u);
-    if (!breaks_reading(mgf.m_cReader.m_fp)) GTEST_SKIP() << "no file here that fails";
-    const std::vector<CSpectrum> spectra = mgf.Read(1);
-    ASSERT_EQ(spectra.size(), 1u);
-    EXPECT_LT(spectra[0].m_vPeaks.size(), 100'000u);
-    EXPECT_EQ(mgf.m_cReader.TakeFaults(), Texts{"cannot read " + mgf.m_strPath});
 }
 
 TEST(mgf_input, file_without_a_block_is_a_fault_unless_it_is_empty) {
