@@ -167,6 +167,28 @@ TEST(fasta_parser, reading_without_counting_begins_at_the_first_entry) {
     }
 }
 
+TEST(fasta_parser, reading_from_the_middle_of_a_file_takes_no_byte_order_mark) {
+    const test::CTempFolder folder;
+    std::ifstream stream(folder.Write("db.fasta", "text\n\xEF\xBB\xBF>P1\nAC\n>P2\nDE\n"),
+                         std::ios::binary);
+    stream.seekg(5);
+    CProtein protein;
+    EXPECT_TRUE(CFastaParser().ReadOnePrteinEntry(protein, stream));
+    expect_protein(protein, "P2", "", "DE");
+}
+
+TEST(fasta_parser, last_entry_leaves_the_stream_at_its_end) {
+    const test::CTempFolder folder;
+    std::ifstream stream(folder.Write("db.fasta", ">P1\nAC\n>P2\nDE\n"), std::ios::binary);
+    CFastaParser parser;
+    CProtein protein;
+    EXPECT_TRUE(parser.ReadOnePrteinEntry(protein, stream));
+    EXPECT_TRUE(stream.good());
+    EXPECT_TRUE(parser.ReadOnePrteinEntry(protein, stream));
+    EXPECT_TRUE(stream.eof());
+    EXPECT_FALSE(stream.bad());
+}
+
 TEST(fasta_parser, behind_the_last_entry_the_protein_is_emptied) {
     const test::CTempFolder folder;
     std::ifstream stream(folder.Write("db.fasta", ">P1 x\nAC\n"), std::ios::binary);
