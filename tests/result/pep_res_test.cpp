@@ -82,6 +82,14 @@ void expect_full(const CPepRes& pep, const CMod* mod) {
     EXPECT_EQ(pep.m_nAuxB, (std::array<int, 4>{5, -6, 7, -8}));
 }
 
+TEST(pro_info, fresh_hit_is_of_no_protein_and_has_unknown_neighbours) {
+    const PRO_INFO fresh;
+    EXPECT_EQ(fresh.m_nProID, 0);
+    EXPECT_EQ(fresh.m_nSite, 0);
+    EXPECT_EQ(fresh.m_cPrev, '-');
+    EXPECT_EQ(fresh.m_cNext, '-');
+}
+
 TEST(pep_res, fresh_record_has_the_default_values) {
     const CPepRes fresh;
     EXPECT_EQ(fresh.m_lfScore, 0.0);

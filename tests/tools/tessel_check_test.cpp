@@ -179,7 +179,8 @@ TEST(tessel_check, folder_as_parameter_file_is_an_error) {
 
 TEST(tessel_check, list_that_cannot_be_read_is_not_called_empty) {
     const std::string device = "/proc/self/mem";  // opens, but nothing is mapped at its start
-    if (!path_exists(device)) GTEST_SKIP() << "no file that opens and cannot be read on this system";
+    if (!path_exists(device))
+        GTEST_SKIP() << "no file that opens and cannot be read on this system";
     const CFaultyRun run;
     std::string parameters = run.m_cFolder.Read("run.param");
     parameters.replace(parameters.find("spectra.mgf"), 11, device);
