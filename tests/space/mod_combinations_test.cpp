@@ -14,6 +14,7 @@
 
 #include "tessel/condition/condition.h"
 #include "tests/support/captured.h"
+#include "tests/support/scarce_memory.h"
 #include "tests/support/system.h"
 
 namespace tessel {
@@ -619,6 +620,30 @@ TEST_F(mod_combinations, number_beyond_64_bits_ends_the_process) {
                         "[Tessel] ALERT: Not enough memory for 18446744073709551615 modification "
                         "combinations, 18446744073709551615 bytes\n",
                         "");
+}
+
+TEST_F(mod_combinations, that_are_promised_memory_but_get_none_end_the_process) {
+    Prepare(many_mods(2), many_mods(1000));
+    EXPECT_ENDS_PROCESS(
+        {
+            const test::CScarceMemory scarce(1'000'000);
+            m_cCondition.GenerateModComb();
+        },
+        "[Tessel] ALERT: Not enough memory for 5015010 modification combinations, "
+        "401200800 bytes\n",
+        "");
+}
+
+// Twice 20,000 Da have a lookup of 160 MB; the combinations themselves are few.
+TEST_F(mod_combinations, without_memory_for_their_lookup_end_the_process) {
+    Prepare({}, {mod("light", 1.0), mod("heavy", 20'000.0)});
+    put_in_order(m_cCondition.m_vMods);
+    EXPECT_ENDS_PROCESS(
+        {
+            const test::CScarceMemory scarce(10'000'000);
+            m_cCondition.GenerateModComb();
+        },
+        "[Tessel] ALERT: Not enough memory for 6 modification combinations, 480 bytes\n", "");
 }
 
 #if !defined(__SANITIZE_ADDRESS__)  // which needs the whole address space
