@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/support/system.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -463,6 +464,16 @@ TEST(mgf_input, without_an_open_file_nothing_is_read) {
     EXPECT_EQ(mgf.m_tRead, 0u);
     EXPECT_TRUE(mgf.m_cReader.Close());
     EXPECT_EQ(mgf.m_cReader.TakeFaults(), Texts());
+}
+
+TEST(mgf_input, counting_again_closes_the_file_of_before) {
+    CMgf mgf("BEGIN IONS\nEND IONS\n");
+    mgf.m_cReader.Close();
+    const int free = test::free_descriptor(mgf.m_strPath);
+    for (int round = 0; round < 3; ++round)
+        mgf.m_cReader.Count(mgf.m_strPath);
+    mgf.m_cReader.Close();
+    EXPECT_EQ(test::free_descriptor(mgf.m_strPath), free);
 }
 
 TEST(mgf_input, count_starts_over) {

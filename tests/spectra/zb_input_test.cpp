@@ -211,6 +211,16 @@ TEST(zb_input, text_file_is_no_zb2_file) {
 
 // ---- Counting ----
 
+TEST(zb_input, counting_again_closes_the_file_of_before) {
+    CZb2 zb2(zb2_file("run", plain_scans(3)));
+    zb2.m_cReader.Close();
+    const int free = test::free_descriptor(zb2.m_strPath);
+    for (int round = 0; round < 3; ++round)
+        zb2.m_cReader.Count(zb2.m_strPath);
+    zb2.m_cReader.Close();
+    EXPECT_EQ(test::free_descriptor(zb2.m_strPath), free);
+}
+
 TEST(zb_input, count_starts_over) {
     CZb2 zb2(zb2_file("run", plain_scans(3)));
     zb2.Read(2);

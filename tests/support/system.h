@@ -29,6 +29,10 @@ void limit_memory(std::uint64_t bytes);
 /// The most bytes of memory that the process has held.
 std::uint64_t peak_memory();
 
+/// The number that the system would give to the next file that is opened, the lowest one that is
+/// free; the path is that of any file.
+int free_descriptor(const std::string& path);
+
 /// What a program wrote to a standard stream, from the bytes of the file the stream went to: the
 /// line ends of the system's text mode become single line feeds.
 std::string stream_text(std::string bytes);

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "tessel/platform/file.h"
 #include "tests/support/system.h"
 
 namespace tessel::test {
@@ -41,6 +42,11 @@ std::uint64_t peak_memory() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
+}
+
+int free_descriptor(const std::string& path) {
+    const FilePtr file = open_file(path, "rb");
+    return file ? fileno(file.get()) : -1;
 }
 
 std::string stream_text(std::string bytes) {

@@ -12,6 +12,7 @@
 
 #include <cstdio>
 
+#include "tessel/platform/file.h"
 #include "tessel/platform/wide_path.h"
 
 namespace tessel::test {
@@ -56,6 +57,11 @@ std::uint64_t peak_memory() {
     PROCESS_MEMORY_COUNTERS counters{};
     GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
     return counters.PeakWorkingSetSize;
+}
+
+int free_descriptor(const std::string& path) {
+    const FilePtr file = open_file(path, "rb");
+    return file ? _fileno(file.get()) : -1;
 }
 
 std::string stream_text(std::string bytes) {
