@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 
 #include "tessel/condition/condition.h"
+#include "tessel/platform/file.h"
 #include "tests/support/child_process.h"
+#include "tests/support/failing_file.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -133,6 +136,36 @@ TEST(processes, source_removed_meanwhile_is_fatal_or_whole) {
             EXPECT_EQ(end.m_strOutput, "thrown: Database " + path + " not exists.\n");
             EXPECT_EQ(test::read_file(target), "");
         }
+    }
+}
+
+// Whatever changes while it is copied is copied again, but not for ever.
+TEST(processes, source_that_changes_in_every_copy_is_copied_three_times) {
+    for (const int changes : {2, 3}) {
+        const test::CTempFolder folder;
+        const std::string path = folder.Write("db.fasta", ">P d\nAC\n");
+        const std::string target = path + "_td.fasta";
+        const test::CHILD_END end = test::run_in_child([&] {
+            int left = changes;
+            const test::CWatchedFiles watched(target, [&] {
+                if (left-- <= 0) return;
+                const FilePtr source = open_file(path, "ab");
+                std::fputs("DE\n", source.get());
+            });
+            prepare(path);
+            return 0;
+        });
+        const bool isFatal = changes == 3;
+        EXPECT_EQ(end.m_nExit, isFatal ? 1 : 0);
+        EXPECT_EQ(end.m_strOutput, isFatal
+                                       ? "[Tessel] ALERT: Cannot write the target-decoy database " +
+                                             target + ": " + path + " keeps changing\n"
+                                       : "");
+        EXPECT_EQ(folder.Has("db.fasta_td.fasta"), !isFatal);
+        if (!isFatal) {
+            EXPECT_EQ(folder.Read("db.fasta_td.fasta"), ">P\td\t\nACDEDE\n>REV_P\t_REV1\nEDEDCA\n");
+        }
+        EXPECT_EQ(files_in(folder.Path()), isFatal ? 1u : 2u);
     }
 }
 

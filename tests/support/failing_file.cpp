@@ -18,6 +18,11 @@ namespace {
 using tessel::test::FILE_FAULT;
 
 const FILE_FAULT* g_fault = nullptr;
+struct WATCH {
+    std::string m_strPath;
+    std::function<void()> m_cOpened;
+};
+std::optional<WATCH> g_watch;
 std::optional<std::size_t> g_entries;  // how many more there are before listing fails
 
 struct OPEN_FILE {
@@ -65,6 +70,9 @@ int close_file(void* cookie) {
 }  // namespace
 
 extern "C" std::FILE* fopen(const char* path, const char* mode) {
+    if (g_watch && *mode == 'w' && std::string(path).starts_with(g_watch->m_strPath)) {
+        g_watch->m_cOpened();
+    }
     if (g_fault == nullptr || *mode != (g_fault->m_bReading ? 'r' : 'w') ||
         !std::string(path).starts_with(g_fault->m_strPath)) {
         return fopen64(path, mode);
@@ -105,6 +113,14 @@ CFailingFiles::CFailingFiles(const FILE_FAULT& fault) {
 CFailingFiles::~CFailingFiles() {
     delete g_fault;
     g_fault = nullptr;
+}
+
+CWatchedFiles::CWatchedFiles(std::string path, std::function<void()> opened) {
+    g_watch = {std::move(path), std::move(opened)};
+}
+
+CWatchedFiles::~CWatchedFiles() {
+    g_watch.reset();
 }
 
 CFailingFolders::CFailingFolders(std::size_t entries) {

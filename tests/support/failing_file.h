@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <string>
 
@@ -25,6 +26,16 @@ public:
     ~CFailingFiles();
     CFailingFiles(const CFailingFiles&) = delete;
     CFailingFiles& operator=(const CFailingFiles&) = delete;
+};
+
+/// While one exists, it is told of every file that std::fopen() is about to write anew, by the
+/// start of its host path.
+class CWatchedFiles {
+public:
+    CWatchedFiles(std::string path, std::function<void()> opened);
+    ~CWatchedFiles();
+    CWatchedFiles(const CWatchedFiles&) = delete;
+    CWatchedFiles& operator=(const CWatchedFiles&) = delete;
 };
 
 /// While one exists, listing any folder fails behind so many entries, "." and ".." among them.
