@@ -25,10 +25,12 @@ CScarceMemory::~CScarceMemory() {
 
 }  // namespace tessel::test
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return size <= tessel::test::largestPiece ? std::malloc(size > 0 ? size : 1) : nullptr;
+}
+
 void* operator new(std::size_t size) {
-    if (size <= tessel::test::largestPiece) {
-        if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
-    }
+    if (void* const memory = operator new(size, std::nothrow)) return memory;
     throw std::bad_alloc();
 }
 
