@@ -46,9 +46,9 @@ std::vector<CPeak> peaks_at(const char* bytes, std::size_t count) {
 // The spectra of an entry share its peaks in the file, but in memory each has its own: a small file
 // may ask for any amount. Usual entries are far below the size from which on the system is asked.
 bool has_room(const CSpectrum& spectrum, std::uint64_t precursors) {
-    constexpr std::uint64_t kLarge = std::uint64_t{1} << 28;
-    constexpr std::uint64_t kOfList =
-        3;  // records that a list which grows holds for each of its own
+    constexpr std::uint64_t kLarge = std::uint64_t{1} << 28;  // bytes
+    // A list that grows holds so many records for each of its own while it moves.
+    constexpr std::uint64_t kOfList = 3;
     const std::uint64_t each = kOfList * sizeof(CSpectrum) +
                                spectrum.m_vPeaks.size() * sizeof(CPeak) +
                                spectrum.m_vHashTable.size() * sizeof(int);
