@@ -176,17 +176,35 @@ TEST(tessel_check, folder_as_parameter_file_is_an_error) {
     EXPECT_EQ(report.Findings().front().m_strCode, "unreadable-file");
 }
 
-TEST(tessel_check, list_that_cannot_be_read_is_not_called_empty) {
-    const std::string device = "/proc/self/mem";  // opens, but nothing is mapped at its start
-    if (!fs::path(device).is_absolute() || !fs::exists(device)) {
-        GTEST_SKIP() << "no file that opens and cannot be read on this system";
-    }
+// A file that opens and cannot be read, for nothing is mapped at its start; empty where there is
+// none.
+std::string unreadable_file() {
+    const std::string device = "/proc/self/mem";
+    return fs::path(device).is_absolute() && fs::exists(device) ? device : "";
+}
+
+// What a run without faults has above notes when texts of its parameter file are replaced.
+std::vector<std::string> found_with(
+    const std::vector<std::pair<std::string, std::string>>& replacements) {
     const CFaultyRun run;
     std::string parameters = run.m_cFolder.Read("run.param");
-    parameters.replace(parameters.find("spectra.mgf"), 11, device);
-    parameters.replace(parameters.find("msmstype=MGF"), 12, "msmstype=ZBS");
+    for (const auto& [from, to] : replacements)
+        parameters.replace(parameters.find(from), from.size(), to);
     run.m_cFolder.Write("run.param", parameters);
-    EXPECT_EQ(above_notes(run.Check()), std::vector<std::string>{"error unreadable-file mem -"});
+    return above_notes(run.Check());
+}
+
+TEST(tessel_check, list_that_cannot_be_read_is_not_called_empty) {
+    if (unreadable_file().empty()) GTEST_SKIP() << "no such file on this system";
+    EXPECT_EQ(found_with({{"spectra.mgf", unreadable_file()}, {"msmstype=MGF", "msmstype=ZBS"}}),
+              std::vector<std::string>{"error unreadable-file mem -"});
+}
+
+TEST(tessel_check, table_that_cannot_be_read_is_an_error) {
+    if (unreadable_file().empty()) GTEST_SKIP() << "no such file on this system";
+    const std::vector<std::string> found =
+        found_with({{"aapath=aa.ini", "aapath=" + unreadable_file()}});
+    EXPECT_EQ(std::count(found.begin(), found.end(), "error unreadable-file mem -"), 1);
 }
 
 TEST(tessel_check, spectra_of_a_folder_are_those_of_the_type) {

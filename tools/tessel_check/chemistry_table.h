@@ -22,7 +22,8 @@ class CTable {
 public:
     CTable(std::string path, CReport& report) : m_strPath(std::move(path)), m_cReport(report) {}
 
-    /// visit(line) for every line; false when there is none to read.
+    /// visit(line) for every line; false when there is none to read. The library reads these tables
+    /// as far as they go, without a word; here an error in the middle is a finding.
     template <class Visit>
     bool VisitLines(Visit visit) {
         CLineReader lines(m_strPath);
@@ -30,6 +31,10 @@ public:
         for (m_tLine = 1; lines.ReadLine(line); ++m_tLine)
             visit(line);
         m_tLine = 0;
+        if (lines.Failed()) {
+            Error("unreadable-file", "the table cannot be read to its end",
+                  "Check its permissions and its disk.");
+        }
         return lines.IsOpen();
     }
 
