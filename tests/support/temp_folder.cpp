@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -52,9 +53,12 @@ int next_folder_number() {
 
 std::string temporary_path(const std::string& name) {
     const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();
-    std::string path = "tessel_test_" + run_number();
-    if (test != nullptr) path += std::string("_") + test->test_suite_name() + '_' + test->name();
-    return (fs::temp_directory_path() / (path + '_' + name)).string();
+    std::string file = "tessel_test_" + run_number();
+    if (test != nullptr) file += std::string("_") + test->test_suite_name() + '_' + test->name();
+    file += '_' + name;
+    // Names of tests with parameters have slashes: one folder, so that none stays behind.
+    std::replace(file.begin(), file.end(), '/', '_');
+    return (fs::temp_directory_path() / file).string();
 }
 
 fs::path path_of(const std::string& path) {
