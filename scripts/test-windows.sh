@@ -5,8 +5,11 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# Without its preloader Wine asks for the address of its shared data, 0x7ffe0000, too late: recent
+# kernels put the heap anywhere in the gigabyte around it, and one start in ten thousand finds it
+# taken and ends without a word.
 scripts/install_packages.sh g++ cmake ninja-build libgtest-dev googletest python3 \
-    g++-mingw-w64-x86-64-posix wine wine64
+    g++-mingw-w64-x86-64-posix wine wine64 wine64-preloader
 
 echo "== Build: this system =="
 cmake --preset release >/dev/null
