@@ -44,6 +44,8 @@ REPLACEMENTS = [
     (r"\bcontinue;", [";"]), (r"\bbreak;", [";"]),
 ]
 STATEMENT = re.compile(r"^\s+[a-zA-Z_:.>\[\]()*&, -]*\)?[\w\])]+(\(.*\)| [-+|]?= .*|\+\+);$|^\s+\+\+\w+;$")
+# Without its declaration a name is unknown: no compiler takes that.
+DECLARATION = re.compile(r"^\s+([\w:]+(<.*>)?[*&]* )+[*&]?\w+(\(.*\)|\{.*\})?( const| override)*( = .*)?;$")
 
 
 def code_part(line):
@@ -65,7 +67,8 @@ def mutants_of(path, lines):
                 for change in changes:
                     new = str(int(match[0]) + 1) if change == "off by one" else change
                     yield path, number, line[:match.start()] + new + line[match.end():]
-        if STATEMENT.match(code) and not re.match(r"\s*(return|const|auto|using|throw|case)\b", code):
+        if (STATEMENT.match(code) and not DECLARATION.match(code)
+                and not re.match(r"\s*(return|const|auto|using|throw|case)\b", code)):
             yield path, number, re.match(r"\s*", line)[0] + ";"
 
 
