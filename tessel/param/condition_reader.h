@@ -17,7 +17,8 @@ public:
 
     /// Reads every section. The first call shows messages by the level LOG_INFO whatever the file
     /// sets, because the level is read last. A file that is there but cannot be read to its end is
-    /// an alert; what could not be read is missing.
+    /// an alert; what could not be read is missing, and every text of one that cannot be opened at
+    /// all is empty.
     void Read();
 
     /// Ends the process with status 1 after "Invalid_<key>_Path: [path]" unless the path is the

@@ -29,11 +29,12 @@ public:
     virtual std::size_t Count(const std::string& path) = 0;
     /// Closes the file; true.
     virtual bool Close() = 0;
-    /// What was wrong with the files read since the last call: one text each, naming the file.
-    virtual std::vector<std::string> TakeFaults() = 0;
+    /// What was wrong with the files read since the last call: one text each, naming the file. A
+    /// reader that does not override this one tells of nothing.
+    virtual std::vector<std::string> TakeFaults() { return {}; }
     /// Further calls of Browse() will not reach what may remain by the count: nothing is open, or
-    /// the file has ended early.
-    virtual bool Exhausted() const = 0;
+    /// the file has ended early. A reader that does not override this one has to reach its count.
+    virtual bool Exhausted() const { return false; }
 };
 
 }  // namespace tessel

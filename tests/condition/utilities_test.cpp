@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <random>
 
 #include "tessel/condition/condition.h"
@@ -196,6 +197,20 @@ TEST(file_time, equal_seconds_are_valid) {
     const test::CTempFolder folder;
     const std::string path = folder.Write("file", "s");
     EXPECT_TRUE(_IsValidFileTime(path, path));
+}
+
+// Some file systems keep whole seconds only; the answer is the same on all.
+TEST(file_time, parts_of_a_second_do_not_count) {
+    const test::CTempFolder folder;
+    const std::string source = folder.Write("source", "s");
+    const std::string target = folder.Write("target", "t");
+    const auto second =
+        std::chrono::floor<std::chrono::seconds>(std::filesystem::last_write_time(source));
+    std::filesystem::last_write_time(source, second + std::chrono::milliseconds(800));
+    std::filesystem::last_write_time(target, second + std::chrono::milliseconds(200));
+    EXPECT_TRUE(_IsValidFileTime(target, source));
+    std::filesystem::last_write_time(target, second - std::chrono::milliseconds(1));
+    EXPECT_FALSE(_IsValidFileTime(target, source));
 }
 
 TEST(file_time, missing_file_is_never_valid) {

@@ -222,6 +222,7 @@ std::string thrown_text(CCondition& condition) {
 
 TEST_F(prepare_database, missing_database_throws_and_leaves_an_empty_target_decoy_database) {
     EXPECT_EQ(thrown_text(m_cCondition), "Database " + m_cFolder.Path("db.fasta") + " not exists.");
+    EXPECT_EQ(m_cCondition.m_strInputFastaPath, m_cFolder.Path("db.fasta"));
     EXPECT_EQ(m_cFolder.Read("db.fasta_td.fasta"), "");
     EXPECT_EQ(FilesInFolder(), 1U);
 
@@ -236,6 +237,17 @@ TEST_F(prepare_database, missing_database_leaves_an_older_target_decoy_database_
     EXPECT_EQ(thrown_text(m_cCondition), "Database " + m_cFolder.Path("db.fasta") + " not exists.");
     EXPECT_EQ(m_cFolder.Read("db.fasta_td.fasta"), "anything");
     EXPECT_EQ(fs::last_write_time(Target()), time);
+}
+
+TEST_F(prepare_database, missing_sub_database_throws_under_its_own_path) {
+    m_cFolder.Write("db.fasta", ">P1\nAC\n");
+    m_cCondition.m_strOutputPath = m_cFolder.Path("");
+    m_cCondition.m_strOutputName = "run";
+    const std::string path = m_cFolder.Path("run.sub.fasta");
+    EXPECT_THROW(m_cCondition.SetSubFasta(), std::runtime_error);
+    EXPECT_TRUE(m_cCondition.m_bUseSubFasta);
+    EXPECT_EQ(m_cCondition.m_strFastaPath, path);
+    EXPECT_EQ(m_cCondition.m_strInputFastaPath, path);
 }
 
 TEST_F(prepare_database, folder_counts_as_a_missing_database) {

@@ -65,6 +65,18 @@ TEST(terminal, what_was_written_before_keeps_its_colour) {
     }
 }
 
+// Whoever waits at the other end, and whoever looks for the last word of a process that was killed.
+TEST(pipe, has_every_message_at_once) {
+    for (const bool inStep : {true, false}) {
+        const auto end = test::run_in_child([inStep]() -> int {
+            std::ios::sync_with_stdio(inStep);
+            CCondition().Message("text", LOG_INFO);
+            _exit(0);  // flushes nothing
+        });
+        EXPECT_EQ(end.m_strOutput, "[Tessel] text\n") << inStep;
+    }
+}
+
 TEST(pipe, holds_no_colour) {
     const auto end = test::run_in_child([] {
         CCondition condition;

@@ -51,5 +51,10 @@ TEST(process_posix, failing_command_of_one_word_is_named_whole) {
     EXPECT_ENDS_PROCESS(System("false", false), "", "The Program is exited when called false\n");
 }
 
+TEST(process_posix, command_that_is_killed_has_failed) {
+    EXPECT_ENDS_PROCESS(System("kill -9 $$", false), "",
+                        "The Program is exited when called kill\n");
+}
+
 }  // namespace
 }  // namespace tessel

@@ -91,6 +91,9 @@ TEST(zbs_input, batch_takes_all_files_that_fit) {
     EXPECT_EQ(zbs.Read(5).size(), 1u);
     EXPECT_EQ(zbs.Count(list), 6u);
     EXPECT_EQ(zbs.Read(kAllEntries - 1).size(), 6u);
+    EXPECT_EQ(zbs.Count(list), 6u);
+    EXPECT_EQ(zbs.Read(2).size(), 2u);
+    EXPECT_EQ(zbs.Read(kAllEntries - 1).size(), 4u);  // 2 more than that is not 0
 }
 
 TEST(zbs_input, entries_not_spectra_are_counted) {
