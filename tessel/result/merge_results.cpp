@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "tessel/base/end_process.h"
 #include "tessel/base/number.h"
@@ -29,6 +32,38 @@ void absorb(CPepRes& kept, CPepRes& duplicate) {
     kept.m_setProteins.merge(duplicate.m_setProteins);
     if (duplicate.m_bDecoy == 0) kept.m_bDecoy = 0;
     kept.m_ucAuxMax = std::max(kept.m_ucAuxMax, duplicate.m_ucAuxMax);
+}
+
+// Equal for equal candidates.
+std::size_t fingerprint(const CPepRes& pep) {
+    constexpr std::size_t kFactor = 1000003;
+    const std::hash<std::string> hash;
+    std::size_t number = hash(pep.m_strSeq);
+    for (const MOD_SITE* site = pep.m_pMods; site != pep.m_pMods + pep.SiteNum(); ++site) {
+        number = number * kFactor + site->m_ucPos;
+        if (site->m_pMod != nullptr) number = number * kFactor + hash(site->m_pMod->m_strName);
+    }
+    return number;
+}
+
+// Marks the duplicates in a run of one score key; the first of each group takes over what they add.
+// Only candidates of one fingerprint are compared: a run may be as long as a file.
+void mark_duplicates(const CCondition& condition, std::vector<CPepRes>& peps, std::size_t first,
+                     std::size_t last, std::vector<bool>& marked) {
+    std::vector<std::pair<std::size_t, std::size_t>> order;  // fingerprint, position
+    order.reserve(last - first);
+    for (std::size_t i = first; i < last; ++i)
+        order.emplace_back(fingerprint(peps[i]), i);
+    std::sort(order.begin(), order.end());
+    for (auto kept = order.begin(); kept != order.end(); ++kept) {
+        if (marked[kept->second]) continue;
+        for (auto other = kept + 1; other != order.end() && other->first == kept->first; ++other) {
+            CPepRes& pep = peps[other->second];
+            if (marked[other->second] || !condition._equal_res(peps[kept->second], pep)) continue;
+            marked[other->second] = true;
+            absorb(peps[kept->second], pep);
+        }
+    }
 }
 
 void erase_marked(std::vector<CPepRes>& peps, const std::vector<bool>& marked) {
@@ -101,16 +136,10 @@ void CCondition::RemoveRedundancy(std::vector<CPepRes>& peps) const {
     // Most lists have no two neighbours of the same key, so none can be duplicates.
     if (std::adjacent_find(peps.begin(), peps.end(), same_key) == peps.end()) return;
     std::vector<bool> marked(peps.size());
-    for (std::size_t i = 0; i < peps.size(); ++i) {
-        if (marked[i]) continue;
-        const std::uint32_t key = truncated_score(peps[i].m_lfScore);
-        for (std::size_t j = i + 1; j < peps.size(); ++j) {
-            if (marked[j]) continue;
-            if (truncated_score(peps[j].m_lfScore) != key) break;
-            if (!_equal_res(peps[i], peps[j])) continue;
-            marked[j] = true;
-            absorb(peps[i], peps[j]);
-        }
+    for (std::size_t first = 0, last = 0; first < peps.size(); first = last) {
+        while (last < peps.size() && same_key(peps[first], peps[last]))
+            ++last;
+        if (last - first > 1) mark_duplicates(*this, peps, first, last, marked);
     }
     erase_marked(peps, marked);
 }

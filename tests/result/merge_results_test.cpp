@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <limits>
 #include <map>
@@ -295,6 +296,20 @@ TEST(remove_redundancy, leaves_what_comparing_all_pairs_leaves) {
         condition.RemoveRedundancy(peps);
         ASSERT_EQ(text(peps), expected) << round;
     }
+}
+
+// Comparing each with all others would take minutes.
+TEST(remove_redundancy_time, run_of_one_score_takes_no_square_of_its_length) {
+    const CCondition condition;
+    constexpr unsigned kDifferent = 100'000;
+    std::vector<CPepRes> peps;
+    for (unsigned i = 0; i < 2 * kDifferent; ++i)
+        peps.push_back(pep("PEPTIDE" + std::to_string(i % kDifferent), 10, 1000));
+    const auto start = std::chrono::steady_clock::now();
+    condition.RemoveRedundancy(peps);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    ASSERT_EQ(peps.size(), kDifferent);
+    EXPECT_EQ(peps.back().m_strSeq, "PEPTIDE99999");
 }
 
 // ---- Merging files ----

@@ -296,6 +296,8 @@ TEST(pep_res, smaller_q_value_goes_first_then_final_score_then_score) {
     EXPECT_TRUE(CPepRes::ConfidentByQV(a, b));
     a.m_lfQValue = 0.02;
     EXPECT_TRUE(CPepRes::ConfidentByQV(b, a));
+    a.m_lfFinalScore = 0.5;
+    EXPECT_TRUE(CPepRes::ConfidentByQV(a, b));  // although its score is smaller
     a.m_lfFinalScore = 1;
     EXPECT_TRUE(CPepRes::ConfidentByQV(b, a));
     EXPECT_FALSE(CPepRes::ConfidentByQV(a, b));

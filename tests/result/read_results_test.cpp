@@ -213,12 +213,17 @@ TEST_F(read_results, numbers_of_a_head_come_from_its_line_only_and_are_0_when_mi
                    "S 7.5Da 2+\ntrailing text\n"
                    "S 1e999 99999999999\nbeyond the limits\n"
                    "S 8.5 -2 5 5\nmore fields\n"
-                   "\n\n  S\t9.5\t1\nlate\n"),
+                   "\n\n  S\t9.5\t1\nlate\n"
+                   "S\nboth missing\n"
+                   "S 5 7\nwhole\n"
+                   "S 6\ncharge missing\n"),
               "");
     const auto numbers = [this](const std::string& title) {
         return std::make_pair(Results().at(title).m_lfMH, Results().at(title).m_nCharge);
     };
-    EXPECT_EQ(Results().size(), 7U);
+    EXPECT_EQ(Results().size(), 10U);
+    EXPECT_EQ(numbers("both missing"), std::make_pair(0.0, 0));
+    EXPECT_EQ(numbers("charge missing"), std::make_pair(6.0, 0));
     EXPECT_EQ(numbers("10 20"), std::make_pair(0.0, 0));
     EXPECT_EQ(numbers("30"), std::make_pair(5.5, 0));
     EXPECT_EQ(numbers("unreadable mass"), std::make_pair(0.0, 3));
@@ -476,6 +481,15 @@ TEST_F(read_results, sites_of_255_fit_and_hits_may_fill_many_buffers) {
     EXPECT_EQ(Peps("t")[0].m_ucModNum, 255);
     EXPECT_EQ(Peps("t")[0].m_pMods[254].m_ucPos, 254);
     EXPECT_EQ(Peps("t")[0].m_setProteins.size(), 100000U);
+}
+
+TEST_F(read_results, hits_of_the_shortest_form_fit_at_the_end_of_a_file) {
+    std::string rest = "0 0 0 0 40";
+    for (int i = 0; i < 40; ++i)
+        rest += " 0;0;a;b";
+    EXPECT_EQ(Load(head("t") + "1 AAK 1 1 1 1 " + rest + " 0 1 2 3 4 5 1 2 3 4 5 6 7 8"),
+              "[Tessel] ALERT: Invalid format: t\n\n");
+    EXPECT_EQ(sequences(Peps("t")), "AAK");
 }
 
 TEST_F(read_results, huge_malformed_record_gives_back_the_lines_behind_its_first) {
@@ -886,6 +900,18 @@ TEST_F(read_results, sorting_keeps_the_file_order_of_ties) {
     ASSERT_EQ(Peps("t").size(), 40U);
     for (int i = 0; i < 40; ++i)
         EXPECT_EQ(Peps("t")[static_cast<std::size_t>(i)].m_lfPepMass, 1000 + (i * 7) % 40);
+}
+
+TEST_F(read_results, candidate_that_moves_leaves_ties_in_file_order) {
+    std::string text = head("t");
+    for (int i = 0; i < 40; ++i) {
+        text += "1 AAK " + std::to_string(1000 + (i * 7) % 40) + " 5 1 1 " + kPlainRest + '\n';
+    }
+    m_cCondition.LoadResult({m_cFolder.Write("1", text + pep_line("CCK", "6"))}, 100, kInfinity);
+    ASSERT_EQ(Peps("t").size(), 41U);
+    EXPECT_EQ(Peps("t")[0].m_strSeq, "CCK");
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(Peps("t")[static_cast<std::size_t>(i) + 1].m_lfPepMass, 1000 + (i * 7) % 40);
 }
 
 TEST_F(read_results, group_keeps_the_most_confident_candidate_of_each_spectrum) {
