@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -39,5 +40,15 @@ std::string message_text(const Pieces&... pieces) {
     if (text.size() > kMaxMessageText) text.resize(kMaxMessageText);
     return text;
 }
+
+/// Faults of one kind in one file, which are told once: how many, and the line of the first.
+struct FAULT_COUNT {
+    void Add(std::uint64_t line) {
+        if (m_uFaults++ == 0) m_uFirstLine = line;
+    }
+
+    std::uint64_t m_uFaults = 0;
+    std::uint64_t m_uFirstLine = 0;
+};
 
 }  // namespace tessel

@@ -26,8 +26,10 @@ inline constexpr std::size_t kExtendedCodes = 256;
 /// One letter of the extended alphabet: a residue, alone or with one modification.
 class TESSEL_API ExtendedAA {
 public:
-    const CMod* m_pMod = nullptr;  ///< null for the plain residue; not owned
-    char m_cAA = 0;                ///< residue letter
+    /// Not owned; null for the plain residue, and for letters that CreateModList() of an earlier
+    /// table has left behind.
+    const CMod* m_pMod = nullptr;
+    char m_cAA = 0;  ///< residue letter
     /// Position in the alphabet by ascending mass, in 8 bits: in an alphabet of more than
     /// kExtendedCodes letters they repeat. 0xFF until ranked.
     unsigned char m_ucCode = 0xFF;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -8,21 +9,21 @@
 namespace tessel {
 
 /// Visits the groups of an elemental composition, such as "C(2)H(-3)", in order:
-/// visit(symbol, count text). A piece without a symbol, without "(" or without a count is skipped.
-/// Text behind the last ")" is a piece of its own.
+/// visit(symbol, count text). These are the first two texts of a piece that "(" divides, of which
+/// empty ones do not count; a piece that has only one is skipped. Text behind the last ")" is a
+/// piece of its own.
 template <class Visit>
 void visit_composition(std::string_view composition, Visit visit) {
     while (!composition.empty()) {
         const std::size_t close = composition.find(')');
         const std::string_view piece = composition.substr(0, close);
-        const std::size_t open = piece.find('(');
-        if (open != std::string_view::npos && open > 0) {
-            // A second "(" ends the count; the fields between are never empty.
-            const std::size_t countBegin = piece.find_first_not_of('(', open);
-            if (countBegin != std::string_view::npos) {
-                const std::size_t countEnd = piece.find('(', countBegin);
-                visit(piece.substr(0, open), piece.substr(countBegin, countEnd - countBegin));
-            }
+        const std::size_t begin = std::min(piece.find_first_not_of('('), piece.size());
+        const std::size_t open = piece.find('(', begin);
+        const std::size_t countBegin = piece.find_first_not_of('(', open);
+        if (open != std::string_view::npos && countBegin != std::string_view::npos) {
+            const std::size_t countEnd = std::min(piece.find('(', countBegin), piece.size());
+            visit(piece.substr(begin, open - begin),
+                  piece.substr(countBegin, countEnd - countBegin));
         }
         if (close == std::string_view::npos) return;
         composition.remove_prefix(close + 1);

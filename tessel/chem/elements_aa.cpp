@@ -9,6 +9,7 @@
 #include "tessel/base/text.h"
 #include "tessel/chem/residues.h"
 #include "tessel/condition/condition.h"
+#include "tessel/platform/file.h"
 
 namespace tessel {
 namespace {

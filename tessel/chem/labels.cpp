@@ -64,7 +64,7 @@ bool find_label(const std::string& label, std::string& value) {
     return false;
 }
 
-bool has_groups(const std::string& composition) {
+bool has_groups(std::string_view composition) {
     bool found = false;
     visit_composition(composition, [&found](std::string_view, std::string_view) { found = true; });
     return found;
@@ -122,7 +122,9 @@ void CCondition::ReadLabelInfo(const std::string& label) {
 
 void CCondition::GenTmpAA(const std::size_t& labelIndex) {
     read_residues(m_strAAPath, [this](char letter, std::string_view composition) {
-        const WEIGHED weighed = weigh(composition, m_mapElementMass, &m_mapAALabel[letter]);
+        // A letter gets its entry when it is asked for.
+        const Replacements* label = has_groups(composition) ? &m_mapAALabel[letter] : nullptr;
+        const WEIGHED weighed = weigh(composition, m_mapElementMass, label);
         define_residue(m_cAlphaBet, letter, weighed);
         Message(message_text(letter, " ", fixed_text(weighed.m_lfMass, 5), "\n"), LOG_DEBUG);
     });

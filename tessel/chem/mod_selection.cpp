@@ -227,11 +227,13 @@ std::string CCondition::_get_labeled_mod_name(const std::string& name,
 }
 
 bool CCondition::SetSelMod(const std::size_t& maxMods) {
-    CLineReader reader(m_strOutputPath + m_strOutputName + ".learn");
+    const std::string path = m_strOutputPath + m_strOutputName + ".learn";
+    CLineReader reader(path);
     if (!reader.IsOpen()) return false;
 
     read_learned_mods(*this, reader, maxMods);
     read_cleave_prob(reader, m_lfCleaveProb);
+    if (reader.Failed()) Message("Cannot read the learn file: " + path, LOG_ALERT);
 
     _parse_mod(kCommonMods, false);
     HandleSelectMod();

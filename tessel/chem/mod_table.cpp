@@ -6,6 +6,7 @@
 #include "tessel/base/end_process.h"
 #include "tessel/base/line_reader.h"
 #include "tessel/base/mass_order.h"
+#include "tessel/base/message_text.h"
 #include "tessel/base/number.h"
 #include "tessel/base/word_reader.h"
 #include "tessel/chem/mod.h"
@@ -42,10 +43,9 @@ void read_losses(CWordReader& fields, std::vector<double>& losses) {
     }
 }
 
-CMod definition(std::string_view name, std::string_view value, int flag) {
-    CMod mod;
-    mod.m_strName = name;
-    mod.m_nFlag = flag;
+// What cannot be read, and all behind it, keeps its default; false then. The composition may be
+// missing.
+bool read_definition(std::string_view value, CMod& mod) {
     CWordReader fields(value);
     fields.Word(mod.m_strSites);
     std::string_view position;
@@ -54,9 +54,10 @@ CMod definition(std::string_view name, std::string_view value, int flag) {
     std::string_view average;
     fields.Word(average);
     read_losses(fields, mod.m_vLossMass);
+    const bool isWhole = fields.Good();
     mod.m_strComposition.clear();  // the impossible default is for mods without a definition
     fields.Word(mod.m_strComposition);
-    return mod;
+    return isWhole;
 }
 
 }  // namespace
@@ -93,9 +94,10 @@ void CCondition::ReadMod() {
     m_vMods.clear();
 
     CLineReader reader(m_strModPath);
+    FAULT_COUNT malformed;
     int flag = 0;
     std::string_view line;
-    while (reader.ReadLine(line)) {
+    for (std::uint64_t number = 1; reader.ReadLine(line); ++number) {
         const std::size_t sign = line.find('=');
         if (sign == std::string_view::npos) continue;
         const std::string_view key = line.substr(0, sign);
@@ -103,11 +105,19 @@ void CCondition::ReadMod() {
         if (key.starts_with("name")) {
             flag = to_int(line.substr(line.size() - 2));
         } else if (!key.starts_with("Label_")) {
-            m_vMods.push_back(definition(key, line.substr(sign + 1), flag));
+            CMod& mod = m_vMods.emplace_back();
+            mod.m_strName = key;
+            mod.m_nFlag = flag;
+            if (!read_definition(line.substr(sign + 1), mod)) malformed.Add(number);
         }
     }
     if (!reader.IsOpen() || reader.Failed()) {
         Message("Cannot read the modification file: " + m_strModPath, LOG_ALERT);
+    }
+    if (malformed.m_uFaults > 0) {
+        Message(joined_text("Malformed definitions: ", malformed.m_uFaults, ", the first on line ",
+                            malformed.m_uFirstLine, " of the modification file: ", m_strModPath),
+                LOG_ALERT);
     }
 }
 

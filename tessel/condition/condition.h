@@ -183,7 +183,8 @@ public:
     /// Rebuilds m_vMods from m_strModPath; a missing file ends the process with status 1. Makes
     /// stale whatever points into m_vMods until CreateModList() has run, selections and m_mapMods;
     /// empties m_setFixMods, and letters of the extended alphabet lose their m_pMod. A file that is
-    /// there but cannot be read to its end is an alert; what was read before is kept.
+    /// there but cannot be read to its end is an alert; what was read before is kept. Definitions
+    /// whose numbers are missing or are none get defaults for them, with one alert for the file.
     void ReadMod();
 
     // ---- Modification selection: chem/mod_selection.cpp ----
@@ -215,9 +216,9 @@ public:
     /// `maxMods` modifications are selected, those of before included, but at least one; then the
     /// common ones that every open search considers. Takes over the learned cleavage coefficients
     /// and probabilities; a probability that cannot be read stays as it was, its modification is
-    /// selected all the same. An unknown name is a warning. False, and nothing changed, when the
-    /// file cannot be opened. Needs CreateModList() since the last ReadMod(), GenTmpMod() or
-    /// WriteConfFiles().
+    /// selected all the same. An unknown name is a warning, a file that fails while it is read an
+    /// alert. False, and nothing changed, when the file cannot be opened. Needs CreateModList()
+    /// since the last ReadMod(), GenTmpMod() or WriteConfFiles().
     bool SetSelMod(const std::size_t& maxMods);
 
     // ---- Quantitation labels: chem/labels.cpp ----

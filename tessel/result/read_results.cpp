@@ -291,17 +291,12 @@ private:
     CPepRes m_cSpare;
 };
 
-struct DROPPED_RECORDS {
-    std::uint64_t m_uCount = 0;
-    std::uint64_t m_uFirstLine = 0;
-};
-
 void report_faults(const CCondition& condition, const std::string& path, bool unreadable,
-                   const DROPPED_RECORDS& dropped) {
+                   const FAULT_COUNT& dropped) {
     if (unreadable) condition.Message("Cannot read the result file: " + path, LOG_ALERT);
-    if (dropped.m_uCount == 0) return;
+    if (dropped.m_uFaults == 0) return;
     condition.Message(
-        joined_text("Malformed records dropped: ", dropped.m_uCount, ", the first on line ",
+        joined_text("Malformed records dropped: ", dropped.m_uFaults, ", the first on line ",
                     dropped.m_uFirstLine, " of the result file: ", path),
         LOG_ALERT);
 }
@@ -319,11 +314,11 @@ public:
           m_cEntry(m_mapResults.end()) {}
 
     void Load(const CCondition& condition, const std::string& path) {
-        DROPPED_RECORDS dropped;
+        FAULT_COUNT dropped;
         std::string_view token;
         while (m_cText.NextRecord(token)) {
             if (token == "S" ? Head() : Pep()) continue;
-            if (dropped.m_uCount++ == 0) dropped.m_uFirstLine = m_cText.RecordLine();
+            dropped.Add(m_cText.RecordLine());
             m_cText.LeaveRecord();
         }
         report_faults(condition, path, m_cText.Failed(), dropped);

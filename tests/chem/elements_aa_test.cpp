@@ -204,16 +204,18 @@ TEST(amino_acid_table, malformed_groups_are_skipped) {
         double mass;
         const char* composition;
     } rows[] = {
-        {"C(2)H", 24.0, "C(2)"},          // no count at all
-        {"C(2)H(3", 27.0, "C(2)H(3)"},    // the last bracket is missing
-        {"(2)C(1)", 12.0, "C(1)"},        // no symbol
-        {"C()H(1)", 1.0, "H(1)"},         // no count in the brackets
-        {"C2H3", 0.0, ""},                // no bracket
-        {")))C(1))", 12.0, "C(1)"},       // stray brackets
-        {"C(x)H(1)", 1.0, "C(x)H(1)"},    // a count that is no number is 0
-        {"C((2)H(1)", 25.0, "C(2)H(1)"},  // doubled bracket
-        {"C(1)C(1)", 24.0, "C(1)C(1)"},   // a symbol twice
-        {"C( +2x)", 24.0, "C( +2x)"},     // count texts stay as they are
+        {"C(2)H", 24.0, "C(2)"},           // no count at all
+        {"C(2)H(3", 27.0, "C(2)H(3)"},     // the last bracket is missing
+        {"(2)C(1)", 12.0, "C(1)"},         // no symbol
+        {"C()H(1)", 1.0, "H(1)"},          // no count in the brackets
+        {"C2H3", 0.0, ""},                 // no bracket
+        {")))C(1))", 12.0, "C(1)"},        // stray brackets
+        {"C(x)H(1)", 1.0, "C(x)H(1)"},     // a count that is no number is 0
+        {"C((2)H(1)", 25.0, "C(2)H(1)"},   // doubled bracket
+        {"((C(2)H(1)", 25.0, "C(2)H(1)"},  // brackets in front
+        {"(5(3)H(1)", 1.0, "5(3)H(1)"},    // a symbol all the same
+        {"C(1)C(1)", 24.0, "C(1)C(1)"},    // a symbol twice
+        {"C( +2x)", 24.0, "C( +2x)"},      // count texts stay as they are
     };
     for (const auto& row : rows) {
         CChemistry chemistry;

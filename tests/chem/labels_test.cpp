@@ -258,6 +258,17 @@ TEST(labelled_residues, are_told_as_details_and_written) {
     EXPECT_NE(table.find("\nR11=K|13C(1)|\n"), std::string::npos);
 }
 
+TEST(labelled_residues, letter_of_a_group_has_an_entry_in_the_label) {
+    CChemistry chemistry;
+    chemistry.Elements();
+    chemistry.Residues("R1=B||\nR2=C|xyz|\nR3=D|C(1)|\n");
+    CCondition& condition = chemistry.m_cCondition;
+    condition.m_vLabels = {"L"};
+    condition.m_strOutputPath = chemistry.m_cFolder.Path() + '\\';
+    condition.GenTmpAA(0);
+    EXPECT_EQ(condition.m_mapAALabel, (AALabel{{'D', {}}}));
+}
+
 TEST(labelled_residues, missing_table_still_writes_the_residues) {
     CChemistry chemistry;
     chemistry.Elements();
@@ -364,9 +375,10 @@ TEST(labelled_mods, conversions_are_known_by_length_and_arrow) {
 
 TEST(labelled_mods, modification_without_groups_is_kept_unlabelled) {
     EXPECT_EQ(told(labelled("A=K NORMAL 16 16 0\nAla->Ser[A]=A NORMAL 16 16 0\n"
-                            "B=K NORMAL 5 5 0 nonsense\n",
+                            "B=K NORMAL 5 5 0 nonsense\nCys->Ser[C]=C NORMAL 5 5 0 nonsense\n",
                             "M:*{C,13C}")),
-              (Names{"A#0 16.000000 ", "Ala->Ser[A]#0 16.000000 ", "B#0 5.000000 nonsense"}));
+              (Names{"A#0 16.000000 ", "Ala->Ser[A]#0 16.000000 ", "B#0 5.000000 nonsense",
+                     "Cys->Ser[C]#0 5.000000 nonsense"}));
 }
 
 TEST(labelled_mods, replacement_by_itself_counts_as_a_change) {

@@ -228,9 +228,30 @@ TEST(mod_table, malformed_definitions_keep_what_was_read) {
         {"X=K PEP_N 1e999 1 0 C(1)", "X K 2 inf C(1) 0"},
     };
     for (const auto& row : rows) {
-        const auto table = mods(std::string(row.line) + '\n');
+        std::vector<CMod> table;
+        captured_output([&] { table = mods(std::string(row.line) + '\n'); });
         ASSERT_EQ(table.size(), 1u) << row.line;
         EXPECT_EQ(told(table[0]), row.told) << row.line;
+    }
+}
+
+TEST(mod_table, malformed_definitions_are_told_once_with_the_first_line) {
+    CChemistry chemistry;
+    const std::string whole =
+        "@NUMBER_MODIFICATION=9\nname1=W 0\nW=K NORMAL 1 1 0\nW=K NORMAL 1 1 1 2 2\nno record\n";
+    EXPECT_EQ(captured_output([&] { chemistry.Mods(whole + "Label_X=\nV=K word 1 1 0 C(1)"); }),
+              "");
+    for (const char* line :
+         {"X=", "X=K", "X=K PEP_N", "X=K PEP_N abc 1 0 C(1)", "X=K PEP_N 1.5", "X=K PEP_N 1.5 1.5",
+          "X=K PEP_N 1.5 1.5 x C(1)", "X=K PEP_N 1.5 1.5 -1 C(1)", "X=K PEP_N 1.5 1.5 1",
+          "X=K PEP_N 1.5 1.5 1 2", "X=K PEP_N 1.5 1.5 2 3.5 3.5 C(1)"}) {
+        const std::string text = std::string(line) + '\n';
+        EXPECT_EQ(
+            captured_output([&] { chemistry.Mods(whole + text + whole + text); }),
+            "[Tessel] ALERT: Malformed definitions: 2, the first on line 6 of the modification "
+            "file: " +
+                chemistry.m_cCondition.m_strModPath + '\n')
+            << line;
     }
 }
 

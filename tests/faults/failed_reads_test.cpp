@@ -44,6 +44,26 @@ TEST(failed_reads, modifications_before_the_error_are_kept_with_an_alert) {
     EXPECT_EQ(condition.m_vMods[0].m_strName, "A[K]");
 }
 
+TEST(failed_reads, learned_probabilities_before_the_error_are_kept_with_an_alert) {
+    const test::CTempFolder folder;
+    CCondition condition;
+    CMod mod;
+    condition.m_mapMods = {{"A[K]", &mod}};
+    condition.m_strOutputPath = folder.Path("");
+    condition.m_strOutputName = "run";
+    const std::string first = "heading\nA[K] 3 0.25\n";
+    const std::string path =
+        folder.Write("run.learn", first + "[----mod prob end----]\n[----cleave prob----]\n1 0.5\n");
+    const CFailingFiles failing(error_at(path, first.size()));
+    bool found = false;
+    const std::string output = captured_output([&] { found = condition.SetSelMod(1); });
+    EXPECT_TRUE(found);
+    EXPECT_EQ(output.substr(0, output.find('\n') + 1),
+              alert("Cannot read the learn file: " + path));
+    EXPECT_EQ(mod.m_lfProb, 0.25);
+    EXPECT_EQ(condition.m_lfCleaveProb[1], 1.0);
+}
+
 TEST(failed_reads, keys_behind_the_error_are_missing) {
     const test::CTempFolder folder;
     const std::string front = "[param]\nthread=4\n";

@@ -22,8 +22,8 @@ class CTable {
 public:
     CTable(std::string path, CReport& report) : m_strPath(std::move(path)), m_cReport(report) {}
 
-    /// visit(line) for every line; false when there is none to read. The library reads these tables
-    /// as far as they go, without a word; here an error in the middle is a finding.
+    /// visit(line) for every line; false when there is none to read. The library reads most of
+    /// these tables as far as they go, without a word; here an error in the middle is a finding.
     template <class Visit>
     bool VisitLines(Visit visit) {
         CLineReader lines(m_strPath);
