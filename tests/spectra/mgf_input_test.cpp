@@ -214,6 +214,7 @@ TEST(mgf_input, title_loses_its_unprintable_tail) {
     using namespace std::string_literals;
     EXPECT_EQ(spectrum_of("TITLE=a.5.b\t\x7f\xc3\xa9\n").m_strTitle, "a.5.b");
     EXPECT_EQ(spectrum_of("TITLE=a.5.b \n").m_strTitle, "a.5.b ");
+    EXPECT_EQ(spectrum_of("TITLE=a.5.b~\n").m_strTitle, "a.5.b~");  // the last that is printable
     EXPECT_EQ(spectrum_of("TITLE=\xc3\xa9.5.b\n").m_strTitle, "\xc3\xa9.5.b");
     EXPECT_EQ(spectrum_of("TITLE=a\0b\0\0\n"s).m_strTitle, "a\0b"s);
 }
