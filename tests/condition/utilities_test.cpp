@@ -130,6 +130,12 @@ TEST(get_line, line_that_just_fits_is_followed_by_the_next_one) {
     EXPECT_EQ(last.m_strText, "x\n");
 }
 
+TEST(get_line, size_of_one_character_and_its_terminator_grows_by_two) {
+    const LAST_LINE last = last_line("abc\n", 2);
+    EXPECT_EQ(last.m_strText, "abc\n");
+    EXPECT_EQ(last.m_tSize, 6u);
+}
+
 TEST(get_line, long_line_comes_whole) {
     const std::string line(100'000, 'y');
     const LAST_LINE last = last_line("a\n" + line, 1000);

@@ -240,6 +240,12 @@ TEST(fasta_parser, stream_that_cannot_be_read_is_left_bad) {
     EXPECT_FALSE(parser.ReadOnePrteinEntry(protein, stream));
 }
 
+TEST(fasta_parser, stream_that_cannot_be_read_twice_counts_nothing_and_is_left_bad) {
+    std::ifstream stream;  // no file: it cannot be wound back, like a pipe
+    EXPECT_EQ(CFastaParser().GetEntryNum(stream), 0U);
+    EXPECT_TRUE(stream.bad());
+}
+
 // The same format, character by character.
 ENTRIES read_naively(const std::string& text) {
     ENTRIES entries;
