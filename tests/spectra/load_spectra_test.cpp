@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <memory>
 
 #include "tessel/condition/condition.h"
 #include "tests/support/captured.h"
@@ -453,6 +455,41 @@ TEST(load_spectra, condition_with_an_open_reader_ends_cleanly) {
     CSearch search(mgf_blocks(3));
     search.m_cCondition.m_nMaxSpec = 1;
     EXPECT_TRUE(search.Load());
+}
+
+// A reader of an engine's own: so many spectra.
+class CMadeInput : public CInput {
+public:
+    explicit CMadeInput(std::size_t number) : m_tLeft(number) {}
+
+    std::size_t Browse(std::vector<CSpectrum>& out, std::size_t num) override {
+        const std::size_t taken = std::min(num, m_tLeft);
+        out.resize(out.size() + taken);
+        m_tLeft -= taken;
+        return taken;
+    }
+    std::size_t Count(const std::string&) override { return m_tLeft; }
+    bool Close() override { return true; }
+
+private:
+    std::size_t m_tLeft;
+};
+
+TEST(load_spectra, reader_of_an_engine_needs_no_more_than_to_read) {
+    CCondition condition;
+    condition.m_pSpecReader = std::make_unique<CMadeInput>(5);
+    condition.m_tTotalSpec = 5;
+    condition.m_nMaxSpec = 2;
+    std::vector<std::size_t> batches;
+    const std::string output = test::captured_output([&] {
+        for (bool more = true; more;) {
+            more = condition.LoadSpectra(false);
+            batches.push_back(condition.m_vSpectra.size());
+        }
+    });
+    EXPECT_EQ(batches, (std::vector<std::size_t>{2, 2, 1}));
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(condition.m_pSpecReader, nullptr);
 }
 
 }  // namespace
