@@ -16,8 +16,8 @@ inline const std::string _BLIND_PREFIX = "TESSEL_DELTA_";
 inline const std::string strEVCoeffSign = "[EVCoeff]";
 
 /// Mass of a proton, Da: the one constant for converting m/z to MH+
-/// (MH+ = charge * m/z - (charge - 1) * proton). CODATA 1986, 1.007276470(12), with the digits of its
-/// uncertainty behind it.
+/// (MH+ = charge * m/z - (charge - 1) * proton). CODATA 1986, 1.007276470(12), with the digits of
+/// its uncertainty behind it.
 inline constexpr double kProtonMass = 1.00727647012;
 
 }  // namespace tessel

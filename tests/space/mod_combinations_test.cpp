@@ -660,6 +660,26 @@ TEST_F(mod_combinations, more_than_the_address_space_may_hold_ends_the_process) 
         "");
 }
 
+// 10 combinations of the selected ones with 1, n and n(n + 1)/2 of n others, 80 bytes each.
+TEST_F(mod_combinations, more_than_a_gigabyte_is_a_warning) {
+    if (!test::kMemoryCanBeLimited) GTEST_SKIP() << "no limit of address space on this system";
+    const auto end_with_limit = [this] {
+        test::limit_memory(300'000'000);
+        m_cCondition.GenerateModComb();
+    };
+    Prepare(many_mods(2), many_mods(1600));
+    EXPECT_ENDS_PROCESS(end_with_limit(),
+                        "[Tessel] ALERT: Not enough memory for 12824010 modification combinations, "
+                        "1025920800 bytes\n",
+                        "");
+    Prepare(many_mods(2), many_mods(1800));
+    EXPECT_ENDS_PROCESS(end_with_limit(),
+                        "[Tessel] WARNING: 16227010 modification combinations, 1298160800 bytes\n"
+                        "[Tessel] ALERT: Not enough memory for 16227010 modification combinations, "
+                        "1298160800 bytes\n",
+                        "");
+}
+
 TEST_F(mod_combinations, crowded_masses_take_little_memory_beside_the_combinations) {
     if (!test::kMemoryCanBeLimited) GTEST_SKIP() << "no limit of address space on this system";
     // 2,420,550 combinations of 194 MB. All of them in one window would be 155 MB more.
