@@ -52,6 +52,15 @@ TEST(ion_types, sets_are_appended_to_what_is_there) {
     EXPECT_FALSE(condition.m_bETD);
 }
 
+TEST(ion_types, fresh_type_is_of_no_series) {
+    const CIonType fresh;
+    EXPECT_EQ(fresh.m_strName + fresh.m_strDefinition, "");
+    EXPECT_EQ(fresh.m_lfOffset, 0.0);
+    EXPECT_EQ(fresh.m_nCharge, 0);
+    EXPECT_FALSE(fresh.m_bNTerm);
+    EXPECT_FALSE(fresh.m_bFlag);
+}
+
 TEST(ion_types, one_line_gives_one_type) {
     CIonType ion;
     EXPECT_TRUE(ion.Init("y 3 0 1 18.0105647"));
