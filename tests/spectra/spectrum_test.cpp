@@ -74,6 +74,8 @@ TEST(spectrum, fresh_records_are_zero_and_empty) {
     EXPECT_TRUE(spectrum.m_vPeaks.empty());
     EXPECT_TRUE(spectrum.m_vHashTable.empty());
     EXPECT_EQ(spectrum.m_strTitle, "");
+    EXPECT_EQ(spectrum.m_lfAux, 0.0);
+    EXPECT_EQ(spectrum.m_tAux, 0u);
     EXPECT_EQ(CPeak().m_cFlag, 0);
 }
 

@@ -221,6 +221,14 @@ TEST(zb_input, counting_again_closes_the_file_of_before) {
     EXPECT_EQ(test::free_descriptor(zb2.m_strPath), free);
 }
 
+TEST(zb_input, reader_that_goes_closes_its_file) {
+    const test::CTempFolder folder;
+    const std::string path = folder.Write("run.zb2", zb2_file("run", plain_scans(3)));
+    const int free = test::free_descriptor(path);
+    EXPECT_EQ(CZBInput().Count(path), 3u);
+    EXPECT_EQ(test::free_descriptor(path), free);
+}
+
 TEST(zb_input, count_starts_over) {
     CZb2 zb2(zb2_file("run", plain_scans(3)));
     zb2.Read(2);
@@ -422,6 +430,25 @@ TEST(zb_input, entry_longer_than_the_buffer_is_read_between_others) {
         for (std::size_t k = 0; k < scans[i].m_vPeaks.size(); ++k) {
             ASSERT_EQ(spectra[i].m_vPeaks[k].m_lfMz, scans[i].m_vPeaks[k].first);
             ASSERT_EQ(spectra[i].m_vPeaks[k].m_lfIntensity, scans[i].m_vPeaks[k].second);
+        }
+    }
+}
+
+// Entries of 40 bytes behind stems of 0 to 39: the end of what is read at once falls on every byte
+// of an entry.
+TEST(zb_input, entry_may_be_cut_at_any_byte_by_the_buffer) {
+    const std::vector<ZB2_SCAN> scans = plain_scans(4000);
+    ASSERT_EQ(zb2_entry(scans[0]).size(), 40u);
+    for (std::size_t length = 0; length < 40; ++length) {
+        const std::vector<CSpectrum> spectra =
+            CZb2(zb2_file(std::string(length, 's'), scans)).Read();
+        ASSERT_EQ(spectra.size(), scans.size()) << length;
+        for (std::size_t i = 0; i < scans.size(); ++i) {
+            ASSERT_EQ(spectra[i].m_nScanNo, scans[i].m_uScan) << length;
+            ASSERT_EQ(spectra[i].m_nCharge, 2) << length;
+            ASSERT_EQ(spectra[i].m_vPeaks.size(), 1u) << length;
+            ASSERT_EQ(spectra[i].m_vPeaks[0].m_lfMz, scans[i].m_vPeaks[0].first) << length;
+            ASSERT_EQ(spectra[i].m_vPeaks[0].m_lfIntensity, scans[i].m_vPeaks[0].second) << length;
         }
     }
 }
