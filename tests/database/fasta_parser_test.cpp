@@ -108,6 +108,12 @@ TEST(fasta_parser, entries_may_be_empty) {
     expect_protein(entries.proteins[3], "", "", "");
 }
 
+TEST(fasta_parser, sign_that_begins_no_line_begins_no_entry) {
+    const ENTRIES entries = read_text("x>P\nAC\n >Q\nDE\n");
+    EXPECT_EQ(entries.counted, 0u);
+    EXPECT_TRUE(entries.proteins.empty());
+}
+
 TEST(fasta_parser, text_before_the_first_entry_is_ignored) {
     const auto entries = read_text("; comment >P0\n\n >P0\nACD\n>P1\nEF\n");
     EXPECT_EQ(entries.counted, 1U);
