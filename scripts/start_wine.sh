@@ -3,6 +3,8 @@
 
 # The preset "windows" sets the same for what is started without these scripts.
 export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' TZ=UTC0
+# Names of files are those of the locale to Wine: others than ASCII need UTF-8.
+export LC_ALL=C.UTF-8
 wine=/usr/lib/wine
 
 # One server for all tests spares each of them the start of its own. It would hold the streams of the
