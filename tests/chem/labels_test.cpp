@@ -259,14 +259,8 @@ TEST(labelled_residues, are_told_as_details_and_written) {
 }
 
 TEST(labelled_residues, letter_of_a_group_has_an_entry_in_the_label) {
-    CChemistry chemistry;
-    chemistry.Elements();
-    chemistry.Residues("R1=B||\nR2=C|xyz|\nR3=D|C(1)|\n");
-    CCondition& condition = chemistry.m_cCondition;
-    condition.m_vLabels = {"L"};
-    condition.m_strOutputPath = chemistry.m_cFolder.Path() + '\\';
-    condition.GenTmpAA(0);
-    EXPECT_EQ(condition.m_mapAALabel, (AALabel{{'D', {}}}));
+    const CLabelledResidues label("R1=B||\nR2=C|xyz|\nR3=D|C(1)|\n", "none");
+    EXPECT_EQ(label.m_cCondition.m_mapAALabel, (AALabel{{'D', {}}}));
 }
 
 TEST(labelled_residues, missing_table_still_writes_the_residues) {

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/system.h"
+#include "tests/spectra/open_files.h"
 #include "tests/support/temp_folder.h"
 
 namespace tessel {
@@ -470,11 +470,7 @@ TEST(mgf_input, without_an_open_file_nothing_is_read) {
 TEST(mgf_input, counting_again_closes_the_file_of_before) {
     CMgf mgf("BEGIN IONS\nEND IONS\n");
     mgf.m_cReader.Close();
-    const int free = test::free_descriptor(mgf.m_strPath);
-    for (int round = 0; round < 3; ++round)
-        mgf.m_cReader.Count(mgf.m_strPath);
-    mgf.m_cReader.Close();
-    EXPECT_EQ(test::free_descriptor(mgf.m_strPath), free);
+    test::expect_counting_again_closes(mgf.m_cReader, mgf.m_strPath);
 }
 
 TEST(mgf_input, count_starts_over) {

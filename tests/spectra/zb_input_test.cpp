@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 
+#include "tests/spectra/open_files.h"
 #include "tests/support/system.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/zb2_writer.h"
@@ -214,11 +215,7 @@ TEST(zb_input, text_file_is_no_zb2_file) {
 TEST(zb_input, counting_again_closes_the_file_of_before) {
     CZb2 zb2(zb2_file("run", plain_scans(3)));
     zb2.m_cReader.Close();
-    const int free = test::free_descriptor(zb2.m_strPath);
-    for (int round = 0; round < 3; ++round)
-        zb2.m_cReader.Count(zb2.m_strPath);
-    zb2.m_cReader.Close();
-    EXPECT_EQ(test::free_descriptor(zb2.m_strPath), free);
+    test::expect_counting_again_closes(zb2.m_cReader, zb2.m_strPath);
 }
 
 TEST(zb_input, reader_that_goes_closes_its_file) {

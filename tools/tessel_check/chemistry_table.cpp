@@ -54,8 +54,8 @@ void check_composition(CTable& table, std::string_view composition, const Elemen
         const std::size_t close = rest.find(')');
         if (open == std::string_view::npos || close == std::string_view::npos || close < open ||
             open == 0 || !is_integer(rest.substr(open + 1, close - open - 1))) {
-            table.HalfRead("the composition " + in_quotes(composition) + " cannot be read from " +
-                           in_quotes(rest) + " on");
+            table.HalfRead("the composition " + in_quotes(composition) +
+                           " is no row of SYMBOL(COUNT) from " + in_quotes(rest) + " on");
             return;
         }
         const std::string symbol(rest.substr(0, open));
